@@ -1,0 +1,3 @@
+#include <BrindleBaseCore/Global.h>
+
+char const* brindleBaseCoreVersion() { return BRINDLEBASECORE_VERSION_STRING; }
