@@ -67,6 +67,14 @@ struct Registrar
     explicit Registrar(Command command);
 };
 
+// Start-up hooks run, in registration order, after the application object
+// exists and before the subcommand (for example to install a crash reporter).
+struct StartupHook
+{
+    explicit StartupHook(void (*hook)());
+};
+void runStartupHooks();
+
 // Prints a text line to standard output as UTF-8.
 void printLine(QString const& text);
 
@@ -80,3 +88,5 @@ void printLine(QString const& text);
 #define BRINDLE_HIDDEN_COMMAND(NAME, SYNOPSIS, FUNCTION)                                          \
     static ::brindle::Registrar BRINDLE_COMMAND_CAT(brindleCommand_, __LINE__)(                  \
         ::brindle::Command{#NAME, SYNOPSIS, "", FUNCTION, true})
+#define BRINDLE_STARTUP_HOOK(FUNCTION)                                                            \
+    static ::brindle::StartupHook BRINDLE_COMMAND_CAT(brindleHook_, __LINE__)(FUNCTION)

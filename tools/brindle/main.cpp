@@ -4,7 +4,7 @@
 #include <QtCore/QCoreApplication>
 
 #include <cstdio>
-#include <iostream>
+#include <vector>
 
 namespace brindle {
 
@@ -25,7 +25,21 @@ void printUsage(FILE* to)
 }
 } // namespace
 
+std::vector<void (*)()>& hooks()
+{
+    static std::vector<void (*)()> list;
+    return list;
+}
+
 std::map<std::string, Command> const& commands() { return registry(); }
+
+StartupHook::StartupHook(void (*hook)()) { hooks().push_back(hook); }
+
+void runStartupHooks()
+{
+    for (auto hook : hooks())
+        hook();
+}
 
 Registrar::Registrar(Command command) { registry().emplace(command.name, command); }
 
@@ -81,6 +95,7 @@ int main(int argc, char** argv)
 {
     using namespace brindle;
     QCoreApplication app(argc, argv);
+    runStartupHooks();
     if (argc < 2) {
         printUsage(stderr);
         return Usage;
