@@ -1,1 +1,0 @@
-brindle_tsan_test()
