@@ -6,6 +6,7 @@
 #include <QtCore/QString>
 
 #include <array>
+#include <functional>
 
 class PL_FileSpec;
 
@@ -23,6 +24,9 @@ public:
     // Digest of the whole file, read in blocks (any size, bounded memory).
     // False, and invalid, when the file cannot be opened or read completely.
     bool computeSignature(PL_FileSpec const& file);
+    // The same, calling `progress(bytesRead, fileLength)` after each block.
+    bool computeSignature(PL_FileSpec const& file,
+                          std::function<void(quint64, quint64)> const& progress);
     void computeSignatureOnData(void const* data, quint64 size);
     // Exactly 32 hexadecimal characters; anything else returns false and
     // changes nothing.
