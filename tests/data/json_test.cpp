@@ -7,6 +7,8 @@
 
 #include <cmath>
 #include <limits>
+#include <random>
+#include <string>
 
 namespace {
 
@@ -96,6 +98,21 @@ TEST(UT_JsonParse, NumberTypes)
     EXPECT_EQ(parsed(u"1.5e3"_qs).toDouble(), 1500.0);
     EXPECT_EQ(parsed(u"1.2.3"_qs).toDouble(), 0.0); // malformed with a point: 0
     EXPECT_TRUE(std::isinf(parsed(u"1.0e999"_qs).toDouble()));
+
+    // Short decimals take a shortcut that must round exactly as strtod does.
+    std::mt19937_64 random(99);
+    for (int i = 0; i < 20000; ++i) {
+        int const intDigits = 1 + int(random() % 16), fracDigits = 1 + int(random() % 17);
+        std::string text = (random() & 1) ? "-" : "";
+        for (int d = 0; d < intDigits; ++d)
+            text += char('0' + random() % 10);
+        text += '.';
+        for (int d = 0; d < fracDigits; ++d)
+            text += char('0' + random() % 10);
+        ASSERT_EQ(parsed(QString::fromStdString(text)).toDouble(),
+                  std::strtod(text.c_str(), nullptr))
+            << text;
+    }
 
     QString const digits(10000, u'7');
     EXPECT_EQ(parsed(digits), QVariant(digits));
