@@ -31,6 +31,17 @@ bool isNumberChar(char16_t c)
            c == u'E';
 }
 
+// The character a one-letter escape stands for; 0 for any other letter.
+char16_t unescaped(char16_t c)
+{
+    static constexpr char16_t pairs[] = u"\"\"\\\\//b\bf\fn\nr\rt\t";
+    for (std::size_t i = 0; pairs[i]; i += 2) {
+        if (pairs[i] == c)
+            return pairs[i + 1];
+    }
+    return 0;
+}
+
 int hexValue(char16_t c)
 {
     if (c >= u'0' && c <= u'9')
@@ -211,43 +222,21 @@ bool Parser::string(QString& out)
         }
         if (m_p == m_end)
             return false;
-        switch (c = *m_p++) {
-        case u'"':
-        case u'\\':
-        case u'/':
-            text.push_back(c);
-            break;
-        case u'b':
-            text.push_back(u'\b');
-            break;
-        case u'f':
-            text.push_back(u'\f');
-            break;
-        case u'n':
-            text.push_back(u'\n');
-            break;
-        case u'r':
-            text.push_back(u'\r');
-            break;
-        case u't':
-            text.push_back(u'\t');
-            break;
-        case u'u': {
-            if (m_end - m_p < 4)
-                return false;
-            unsigned unit = 0;
-            for (int i = 0; i < 4; ++i) {
-                int const digit = hexValue(*m_p++);
-                if (digit < 0)
-                    return false;
-                unit = unit * 16 + unsigned(digit);
-            }
-            text.push_back(char16_t(unit));
-            break;
+        c = *m_p++;
+        if (char16_t const plain = unescaped(c)) {
+            text.push_back(plain);
+            continue;
         }
-        default:
+        if (c != u'u' || m_end - m_p < 4)
             return false;
+        unsigned unit = 0;
+        for (int i = 0; i < 4; ++i) {
+            int const digit = hexValue(*m_p++);
+            if (digit < 0)
+                return false;
+            unit = unit * 16 + unsigned(digit);
         }
+        text.push_back(char16_t(unit));
     }
     return false;
 }
