@@ -105,8 +105,11 @@ class StringCache
 public:
     QString get(char16_t const* text, qsizetype size)
     {
-        if (size > kMaxLength)
+        // Small documents do not pay for the cache.
+        if (size > kMaxLength || ++m_seen < kWarmUp)
             return QString(reinterpret_cast<QChar const*>(text), size);
+        if (m_slots.empty())
+            m_slots.resize(kSlots);
         quint32 hash = quint32(size) * 0x9E3779B1u;
         if (size > 0)
             hash ^= (text[0] * 0x85EBCA6Bu) ^ (text[size - 1] * 0xC2B2AE35u) ^
@@ -122,7 +125,9 @@ public:
 private:
     static constexpr qsizetype kMaxLength = 24;
     static constexpr std::size_t kSlots = 1024;
-    std::vector<QString> m_slots = std::vector<QString>(kSlots);
+    static constexpr std::size_t kWarmUp = 64;
+    std::vector<QString> m_slots;
+    std::size_t m_seen = 0;
 };
 
 class Parser

@@ -126,6 +126,15 @@ TEST(UT_JsonParse, Strings)
     EXPECT_EQ(parsed(u"\"\\uDC00\""_qs).toString(), QString(QChar(0xDC00))); // code unit as given
     EXPECT_EQ(parsed(u"\"raw\ttab\""_qs).toString(), u"raw\ttab"_qs);
 
+    // Many short strings, repeated and colliding: each must come back as written.
+    QStringList words;
+    QString text = u"["_qs;
+    for (int i = 0; i < 5000; ++i) {
+        words << QString::number(i % 1500, 36).repeated(1 + i % 5);
+        text += u"\""_qs + words.last() + u"\","_qs;
+    }
+    EXPECT_EQ(parsed(text + u"]"_qs), QVariant(words).toList());
+
     for (char16_t const* bad : {u"\"abc", u"\"\\u12\"", u"\"\\u12", u"\"\\uzzzz\"", u"\"\\x\"",
                                 u"\"\\", u"[\"a\" \"b", u"{\"a\" 1}", u"{1 : 2}", u"{\"a\":}"})
         expectFailure(QString::fromUtf16(bad));
