@@ -17,8 +17,9 @@ public:
 
     // Timecode: hours appear when not zero or when forceHours is set, minutes
     // when hours appear or are not zero ("00:01" for frame 1 at 24 per second,
-    // "01:02:12" for 1500). rate is frames per second and must not be 0: a
-    // timecode asked for with rate 0 gives an empty text.
+    // "01:02:12" for 1500), in unsigned 32-bit arithmetic. rate is frames per
+    // second; a rate that would divide by zero (0, or a multiple of 2^28, whose
+    // frames per hour wrap to 0) gives an empty timecode.
     static UT_String formatFrame(unsigned frame, unsigned rate, bool forceHours = false,
                                  frameFormat format = Timecode);
 };
