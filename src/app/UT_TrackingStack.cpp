@@ -144,8 +144,11 @@ std::string UT_Tracking::StackTrace::getText(bool withSourceLines) const
                 appendFormatted(text, " + 0x%llX",
                                 static_cast<unsigned long long>(symbol.symbolOffset));
             }
-            if (!symbol.file.empty())
-                appendFormatted(text, " [%s:%d]", symbol.file.c_str(), symbol.line);
+            if (!symbol.file.empty()) {
+                text += " [";
+                text += symbol.file;
+                appendFormatted(text, ":%d]", symbol.line);
+            }
         }
         text += '\n';
     }

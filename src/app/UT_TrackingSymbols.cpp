@@ -154,9 +154,8 @@ bool describeAddress(quint64 address, quint64 lookupAddress, bool withSourceLine
 bool moduleOf(quint64 address, std::string& module, quint64& base)
 {
     Dl_info info;
-    if (!dladdr(reinterpret_cast<void*>(address), &info) || !info.dli_fname) {
+    if (!dladdr(reinterpret_cast<void*>(address), &info) || !info.dli_fname)
         return false;
-    }
     module = baseName(info.dli_fname);
     base = quint64(reinterpret_cast<quintptr>(info.dli_fbase));
     return true;

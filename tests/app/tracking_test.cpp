@@ -85,10 +85,6 @@ TEST(Tracking, InstanceIsANoTrackerAndArmsNothing)
     EXPECT_NE(dynamic_cast<UT_NoTracking*>(&tracker), nullptr);
     EXPECT_EQ(&UT_Tracking::instance(), &tracker);
     EXPECT_EQ(tracker.trackAction(QStringLiteral("a")), 0);
-    EXPECT_EQ(tracker.trackBreadcrumb("b"), 0);
-    EXPECT_EQ(tracker.trackScreenViewClose(QStringLiteral("c")), 0);
-    tracker.trackMouseDown();
-    tracker.aboutToClose();
     tracker.trackExceptions(QStringLiteral("ignored"), UT_Tracking::StackTrace(), true);
     EXPECT_EQ(dispositionOf(SIGSEGV), segv);
     EXPECT_EQ(dispositionOf(SIGABRT), abrt);
