@@ -16,13 +16,23 @@ TUTeller& TUTeller::operator=(TUTeller const& other)
 
 TUTeller::~TUTeller()
 {
-    if (m_busy)
+    if (m_busy) {
+        // Destroyed by one of its listeners: the running tell() must stop.
+        if (m_destroyedWhileTelling)
+            *m_destroyedWhileTelling = true;
         return;
+    }
     m_busy = true;
-    // A listener may hang up from tellerDestroyed: step past it before calling.
-    for (auto it = m_listeners.begin(); it != m_listeners.end();)
-        (*it++)->tellerDestroyed(this);
+    for (TUListener* listener = next(nullptr); listener; listener = next(listener))
+        listener->tellerDestroyed(this);
     m_busy = false;
+}
+
+TUListener* TUTeller::next(TUListener* after) const
+{
+    // Looked up afresh each time, so listeners may phone or hang up while told.
+    auto it = after ? m_listeners.upper_bound(after) : m_listeners.begin();
+    return it == m_listeners.end() ? nullptr : *it;
 }
 
 void TUTeller::tell()
@@ -30,8 +40,14 @@ void TUTeller::tell()
     if (m_busy)
         return;
     m_busy = true;
-    for (auto it = m_listeners.begin(); it != m_listeners.end();)
-        (*it++)->hear(this);
+    bool destroyed = false;
+    m_destroyedWhileTelling = &destroyed;
+    for (TUListener* listener = next(nullptr); listener; listener = next(listener)) {
+        listener->hear(this);
+        if (destroyed)
+            return;
+    }
+    m_destroyedWhileTelling = nullptr;
     m_busy = false;
 }
 

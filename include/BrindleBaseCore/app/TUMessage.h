@@ -114,7 +114,9 @@ private:
 class BRINDLE_EXPORT MSG_Scope : public MSG_Text
 {
 public:
-    enum Action
+    // Fixed underlying type: any int may be cast to an Action; other values
+    // report nothing.
+    enum Action : int
     {
         Warning = 0,
         WarningWithFlag = 1,

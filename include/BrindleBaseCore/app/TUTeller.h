@@ -10,7 +10,8 @@ class TUListener;
 class TUListenerWithAutoDisconnect;
 
 // Keeps the listeners that phoned it, ordered by address, and tells them in
-// that order. A tell() made while the teller is already telling is dropped.
+// that order. A tell() made while the teller is already telling is dropped;
+// a teller destroyed while telling tells nobody of its end.
 // A copy shares the listener set without the listeners knowing (intended).
 class BRINDLE_EXPORT TUTeller
 {
@@ -29,8 +30,11 @@ private:
     friend class TUListener;
     friend class TUListenerWithAutoDisconnect;
 
+    TUListener* next(TUListener* after) const;
+
     std::set<TUListener*> m_listeners;
     bool m_busy = false;
+    bool* m_destroyedWhileTelling = nullptr;
 };
 
 // Hears the tellers it phoned. A plain listener is not removed from its

@@ -1,0 +1,138 @@
+// UT_StringSortNatural: fixed cases and agreement with a direct implementation
+// of the token comparison on random names.
+#include <BrindleBaseCore/text/UT_StringSortNatural.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <random>
+
+using namespace UT_StringSortNatural;
+
+namespace {
+
+struct Token
+{
+    QString text;
+    std::uint32_t value = 0;
+    int kind = 0; // 1 text, 2 number
+};
+
+std::vector<Token> tokens(QString const& item)
+{
+    std::vector<Token> list;
+    int previous = 0;
+    for (QChar c : item) {
+        int digit = c.digitValue();
+        int kind = digit >= 0 ? 2 : 1;
+        if (kind != previous)
+            list.push_back(Token{{}, 0, kind});
+        if (kind == 1)
+            list.back().text.append(c);
+        else
+            list.back().value = list.back().value * 10 + std::uint32_t(digit);
+        previous = kind;
+    }
+    return list;
+}
+
+// The comparison as stated, straight on QStrings: the reference.
+bool referenceLess(QString const& a, QString const& b)
+{
+    std::vector<Token> ta = tokens(a);
+    std::vector<Token> tb = tokens(b);
+    for (std::size_t i = 0; i < std::min(ta.size(), tb.size()); ++i) {
+        if (ta[i].kind != tb[i].kind)
+            return ta[i].kind == 2;
+        if (ta[i].kind == 1) {
+            int order = ta[i].text.compare(tb[i].text, Qt::CaseInsensitive);
+            if (order != 0)
+                return order < 0;
+        } else if (ta[i].value != tb[i].value) {
+            return std::int32_t(ta[i].value) < std::int32_t(tb[i].value);
+        }
+    }
+    if (ta.size() != tb.size())
+        return ta.size() < tb.size();
+    return a.size() < b.size();
+}
+
+std::vector<QString> ordered(std::vector<QString> const& items)
+{
+    std::vector<QString> result;
+    for (std::size_t index : getOrder(items))
+        result.push_back(items[index]);
+    return result;
+}
+
+QString randomName(std::mt19937& random)
+{
+    // Few symbols so that ties and shared prefixes are frequent.
+    static char16_t const alphabet[] = {
+        u'a',      u'B',      u'b',      u'_',      u'.',      u'0',      u'1',      u'9',
+        u'\u00E9', u'\u00C9', u'\u0663', u'\u00DF', u'\xD801', u'\xDC00', u'\xDC28', u'\u0130'};
+    QString name;
+    std::size_t length = random() % 12;
+    for (std::size_t i = 0; i < length; ++i) {
+        if (random() % 8 == 0) { // a long digit run, often past 2^31
+            name += QString::number(random() % 5000000000ull);
+            continue;
+        }
+        name.append(QChar(alphabet[random() % std::size(alphabet)]));
+    }
+    return name;
+}
+
+} // namespace
+
+TEST(NaturalSort, SmallCases)
+{
+    EXPECT_TRUE(getOrder({}).empty());
+    EXPECT_EQ(getOrder({"x"}), std::vector<std::size_t>{0});
+    std::vector<QString> result = ordered({"b10", "b2", "B2", "a"});
+    EXPECT_EQ(result[0], "a");
+    EXPECT_TRUE((result[1] == "b2" && result[2] == "B2") ||
+                (result[1] == "B2" && result[2] == "b2"));
+    EXPECT_EQ(result[3], "b10");
+    EXPECT_EQ(ordered({"a01", "a1", "a"}), (std::vector<QString>{"a", "a1", "a01"}));
+    EXPECT_EQ(ordered({"x", "1", "x1", ""}), (std::vector<QString>{"", "1", "x", "x1"}));
+    // 3000000000 wraps past 2^31 and sorts before small numbers (intended).
+    EXPECT_EQ(ordered({"f5", "f3000000000"}), (std::vector<QString>{"f3000000000", "f5"}));
+    // Any Unicode decimal digit is a digit: Arabic-Indic three is 3.
+    EXPECT_EQ(ordered({"p10", QString::fromUtf8("p\xD9\xA3")}),
+              (std::vector<QString>{QString::fromUtf8("p\xD9\xA3"), "p10"}));
+}
+
+TEST(NaturalSort, AgreesWithTheTokenComparison)
+{
+    std::mt19937 random(12345);
+    for (int round = 0; round < 200; ++round) {
+        std::vector<QString> items(1 + random() % 60);
+        for (QString& item : items)
+            item = randomName(random);
+        std::vector<QString> result = ordered(items);
+        ASSERT_EQ(result.size(), items.size());
+        for (std::size_t i = 1; i < result.size(); ++i)
+            ASSERT_FALSE(referenceLess(result[i], result[i - 1]))
+                << result[i - 1].toStdString() << " / " << result[i].toStdString();
+        std::vector<QString> expected = items;
+        std::sort(expected.begin(), expected.end(), referenceLess);
+        for (std::size_t i = 0; i < result.size(); ++i) // equivalent element by element
+            ASSERT_FALSE(referenceLess(result[i], expected[i]) ||
+                         referenceLess(expected[i], result[i]));
+    }
+}
+
+TEST(NaturalSort, SortAndConvert)
+{
+    QList<QString> list = {"img12", "img3", "IMG1", "img"};
+    sort(list.begin(), list.end());
+    EXPECT_EQ(list, (QList<QString>{"img", "IMG1", "img3", "img12"}));
+    QList<QString> empty;
+    sort(empty.begin(), empty.end());
+    EXPECT_TRUE(empty.isEmpty());
+    UT_String text(u"ab");
+    text.push_back(0);
+    EXPECT_EQ(convertToQString(text).size(), 3);
+}
