@@ -105,6 +105,7 @@ protected:
 
 private:
     friend class MSG_Scope;
+    friend class TULex; // reports syntax errors with an answer flag it reads back
     friend class TUMessageUnsuspend;
     TUMessage& operator=(TUMessage const&) = delete;
 };
