@@ -1,0 +1,50 @@
+#pragma once
+
+#include <BrindleBaseCore/Global.h>
+#include <BrindleBaseCore/text/UT_String.h>
+
+#include <QtCore/QtGlobal>
+
+#include <memory>
+
+// The process-wide numbering of timeline cells: how a frame is labelled, which
+// cells carry a label and how cells are banded in colour. System 1 numbers
+// frames 1, 2, 3...; system 2 labels them in groups of 16 ("0:1" for the first
+// frame, "1:0" for the sixteenth) with colour bands of 8 frames; any other
+// value gives plain labels without banding. Frame indexes are 0-based.
+//
+// GetInstance() takes no lock: call it first on one thread (at start-up).
+class BRINDLE_EXPORT UT_TimeUnits
+{
+public:
+    enum eTimeUnits : qint32
+    {
+        Frames = 1,
+        FramesBy16 = 2
+    };
+
+    virtual ~UT_TimeUnits();
+
+    // The single instance, created with system 1 on the first call; it lives
+    // until the process ends.
+    static UT_TimeUnits* GetInstance();
+
+    void SetNumberingSystem(eTimeUnits system) { m_numberingSystem = system; }
+    eTimeUnits GetNumberingSystem() const { return m_numberingSystem; }
+
+    void GetFrameLabel(int frame, UT_String& out) const;
+    bool ShouldLabelCell(int frame) const;
+    // 0 or 1.
+    int GetCellColorIndex(int frame) const;
+    int GetNbColors() const;
+    int GetColorDelta() const;
+    int GetLabelDelta() const;
+
+private:
+    UT_TimeUnits() = default;
+    UT_TimeUnits(UT_TimeUnits const&) = delete;
+    UT_TimeUnits& operator=(UT_TimeUnits const&) = delete;
+
+    static std::unique_ptr<UT_TimeUnits> m_pInstance;
+    eTimeUnits m_numberingSystem = Frames;
+};

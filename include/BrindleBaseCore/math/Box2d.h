@@ -1,0 +1,102 @@
+// Axis-aligned boxes of the plane: Math::Box2d (double corners, may be empty)
+// and Math::Box2di (int32 corner and size).
+#pragma once
+
+#include <BrindleBaseCore/Global.h>
+#include <BrindleBaseCore/math/Point2d.h>
+
+#include <cstdint>
+
+namespace Math {
+
+namespace Constants {
+// Whether a side of a box belongs to it.
+enum Boundary : int
+{
+    Open = 0,
+    Closed = 1
+};
+} // namespace Constants
+
+// A box of doubles. A default box is empty; adding points grows it.
+class BRINDLE_EXPORT Box2d
+{
+public:
+    Box2d() = default;
+    // The closed box spanning two corners (in any order).
+    Box2d(Point2d const& a, Point2d const& b)
+    {
+        add(a);
+        add(b);
+    }
+
+    bool isEmpty() const { return _empty; }
+    Point2d const& min() const { return _min; }
+    Point2d const& max() const { return _max; }
+    // Side markers: minimum x, minimum y, maximum x, maximum y.
+    Constants::Boundary boundary(int side) const { return _boundary[side & 3]; }
+
+    // The first point makes the box closed around it; later points extend it.
+    void add(Point2d const& p)
+    {
+        if (_empty) {
+            _empty = false;
+            _min = _max = p;
+            _boundary[0] = _boundary[1] = _boundary[2] = _boundary[3] = Constants::Closed;
+            return;
+        }
+        if (p.x() <= _min.x())
+            _min.x() = p.x();
+        if (p.y() <= _min.y())
+            _min.y() = p.y();
+        if (p.x() >= _max.x())
+            _max.x() = p.x();
+        if (p.y() >= _max.y())
+            _max.y() = p.y();
+    }
+
+    bool operator==(Box2d const& b) const
+    {
+        return _empty == b._empty && (_empty || (_min == b._min && _max == b._max));
+    }
+    bool operator!=(Box2d const& b) const { return !(*this == b); }
+
+private:
+    bool _empty = true;
+    Point2d _min;
+    Point2d _max;
+    Constants::Boundary _boundary[4] = {Constants::Open, Constants::Open, Constants::Open,
+                                        Constants::Open};
+};
+
+// An int32 box given by its corner and size.
+class BRINDLE_EXPORT Box2di
+{
+public:
+    Box2di() = default;
+    Box2di(int x, int y, int width, int height)
+        : _x(x)
+        , _y(y)
+        , _width(width)
+        , _height(height)
+    {}
+
+    int x() const { return _x; }
+    int y() const { return _y; }
+    int width() const { return _width; }
+    int height() const { return _height; }
+
+    bool operator==(Box2di const& b) const
+    {
+        return _x == b._x && _y == b._y && _width == b._width && _height == b._height;
+    }
+    bool operator!=(Box2di const& b) const { return !(*this == b); }
+
+private:
+    std::int32_t _x = 0;
+    std::int32_t _y = 0;
+    std::int32_t _width = 0;
+    std::int32_t _height = 0;
+};
+
+} // namespace Math

@@ -1,0 +1,264 @@
+// Math::Matrix4x4: the homogeneous 3D transform. Sixteen doubles stored column
+// by column (element (r, c) at m[4c + r]); points are column vectors and the
+// translation lives in m[12..14]. An identity flag lets the very common
+// identity transform be applied and composed for the cost of a test; every
+// operation checks it first and clears it when it changes the values.
+// Transforming operations (rotate, scale, translate, projections, lookAt)
+// multiply on the right: this = this × T, so T acts on a point first.
+#pragma once
+
+#include <BrindleBaseCore/Global.h>
+#include <BrindleBaseCore/math/Axis.h>
+#include <BrindleBaseCore/math/Matrix2x3.h>
+#include <BrindleBaseCore/math/Point2d.h>
+#include <BrindleBaseCore/math/Point3d.h>
+
+#include <exception>
+#include <type_traits>
+
+namespace Math {
+
+class BRINDLE_EXPORT Matrix4x4
+{
+public:
+    // Thrown by getInverse() and inverse() when the LU decomposition fails: a
+    // row is entirely zero or a pivot is below the double epsilon.
+    class BRINDLE_EXPORT Singularity : public std::exception
+    {
+    public:
+        char const* what() const noexcept override;
+    };
+
+    static const Matrix4x4 Identity;
+    // The sixteen identity values, for comparisons.
+    static double const* const _identityPattern;
+
+    // The identity, flagged.
+    Matrix4x4()
+        : _m{1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1}
+        , _identity(true)
+    {}
+    // The 2D affine transform acting on x and y (z and w pass through).
+    explicit Matrix4x4(Matrix2x3 const& m);
+    // Columns xAxis, yAxis, zAxis (w = 0) and origin (w = 1).
+    Matrix4x4(Vector3d const& xAxis, Vector3d const& yAxis, Vector3d const& zAxis,
+              Point3d const& origin);
+    // Sixteen values in storage order (column by column). The value
+    // constructors set the flag exactly when the values are the identity's.
+    Matrix4x4(double m0, double m1, double m2, double m3, double m4, double m5, double m6,
+              double m7, double m8, double m9, double m10, double m11, double m12, double m13,
+              double m14, double m15);
+    // Sixteen values in storage order; a null pointer gives the identity.
+    explicit Matrix4x4(double const* values);
+    explicit Matrix4x4(float const* values);
+
+    // Writing through the mutable form clears the identity flag.
+    double& operator()(Row r, Column c)
+    {
+        _identity = false;
+        return _m[4 * c + r];
+    }
+    double operator()(Row r, Column c) const { return _m[4 * c + r]; }
+    double const* asArray() const { return _m; }
+    void getValues(double* out) const;
+    void getValues(float* out) const;
+    bool isIdentityFlag() const { return _identity; }
+
+    // Named elements: A, B, C, D the 2D linear part, E, F the 2D translation,
+    // G, H the perspective terms of x and y, Z the depth translation and W the
+    // homogeneous scale.
+    double getA() const { return _m[0]; }
+    double getB() const { return _m[4]; }
+    double getC() const { return _m[1]; }
+    double getD() const { return _m[5]; }
+    double getE() const { return _m[12]; }
+    double getF() const { return _m[13]; }
+    double getG() const { return _m[3]; }
+    double getH() const { return _m[7]; }
+    double getZ() const { return _m[14]; }
+    double getW() const { return _m[15]; }
+    void setA(double v) { set(0, v); }
+    void setB(double v) { set(4, v); }
+    void setC(double v) { set(1, v); }
+    void setD(double v) { set(5, v); }
+    void setE(double v) { set(12, v); }
+    void setF(double v) { set(13, v); }
+    void setG(double v) { set(3, v); }
+    void setH(double v) { set(7, v); }
+    void setZ(double v) { set(14, v); }
+    void setW(double v) { set(15, v); }
+
+    // this = this × b.
+    Matrix4x4& operator*=(Matrix4x4 const& b)
+    {
+        if (b._identity)
+            return *this;
+        if (_identity)
+            return *this = b;
+        double r[16];
+        product(_m, b._m, r);
+        for (int i = 0; i < 16; ++i)
+            _m[i] = r[i];
+        return *this;
+    }
+    void multiply(Matrix4x4 const& b) { *this *= b; }
+    Matrix4x4 operator*(Matrix4x4 const& b) const
+    {
+        if (b._identity)
+            return *this;
+        if (_identity)
+            return b;
+        Matrix4x4 r(NoInit{});
+        product(_m, b._m, r._m);
+        return r;
+    }
+
+    // The axis is used as passed, not normalised. Rotations about exactly
+    // (0, 0, 1) update two columns in place.
+    void rotateRadians(double angle, Vector3d const& axis);
+    void rotateDegrees(double angle, Vector3d const& axis);
+    void scale(double sx, double sy, double sz);
+    void translate(double x, double y, double z);
+    void translate(Vector3d const& v) { translate(v.x(), v.y(), v.z()); }
+    // this ×= the shear x' = x + kx·y, y' = y + ky·x.
+    void skew(double kx, double ky);
+
+    // Projective transform of a point; a w of 0 is not guarded.
+    Point3d operator*(Point3d const& p) const
+    {
+        if (_identity)
+            return p;
+        double x = p.x(), y = p.y(), z = p.z();
+        double w = x * _m[3] + y * _m[7] + z * _m[11] + _m[15];
+        return {(x * _m[0] + y * _m[4] + z * _m[8] + _m[12]) / w,
+                (x * _m[1] + y * _m[5] + z * _m[9] + _m[13]) / w,
+                (x * _m[2] + y * _m[6] + z * _m[10] + _m[14]) / w};
+    }
+    // The upper-left 3x3 part: no translation, no division.
+    Vector3d operator*(Vector3d const& v) const
+    {
+        if (_identity)
+            return v;
+        double x = v.x(), y = v.y(), z = v.z();
+        return {x * _m[0] + y * _m[4] + z * _m[8], x * _m[1] + y * _m[5] + z * _m[9],
+                x * _m[2] + y * _m[6] + z * _m[10]};
+    }
+    // The point (x, y, 0) transformed projectively, keeping x and y.
+    Point2d operator*(Point2d const& p) const { return (*this * Point3d(p, 0.0)).toPoint2d(); }
+    // The full homogeneous product, no division.
+    Point4d operator*(Point4d const& p) const;
+    Point3d multiplyPoint(Point3d const& p) const { return *this * p; }
+    Vector3d multiplyVector(Vector3d const& v) const { return *this * v; }
+    // The point with w = 1, transformed without division.
+    Point4d homogeneousTransform(Point3d const& p) const { return *this * Point4d(p); }
+
+    // By LU decomposition (Crout, partial pivoting, implicit scaling); throws
+    // Singularity. inverse() leaves the matrix unchanged when it throws.
+    Matrix4x4 getInverse() const;
+    void inverse() { *this = getInverse(); }
+    // Whether the LU decomposition fails; the identity never does.
+    bool isSingular() const;
+    double determinant() const;
+    void transpose();
+    Matrix4x4 getTranspose() const;
+    // Divides every value by m[15] unless it is within epsilon of 0.
+    void normalize();
+    // Back to the flagged identity.
+    void clear() { *this = Matrix4x4(); }
+
+    // Flagged, or bitwise equal to the identity values.
+    bool isEmpty() const;
+    // Flagged, or numerically equal to the identity values (−0 counts as 0).
+    bool isIdentity() const;
+    // Two flagged matrices are equal; otherwise the values are compared
+    // bitwise, as isEmpty() does.
+    bool operator==(Matrix4x4 const& b) const;
+    bool operator!=(Matrix4x4 const& b) const { return !(*this == b); }
+    // −1, 0 or +1 by the first value that is less or greater in storage order
+    // (NaNs are passed over); the flags are not consulted.
+    int compare(Matrix4x4 const& b) const;
+    // Both flagged: false. Otherwise decided by the first unequal value (a NaN
+    // is unequal): whether b's value is greater.
+    bool operator<(Matrix4x4 const& b) const;
+
+    // Whether x and y feed neither z nor w, relative to |m[15]|.
+    bool isTransform2d() const;
+    // The 2D part: (A, C, B, D, E, F).
+    Matrix2x3 getTransform2d() const;
+    // Whether z does not depend on x and y.
+    bool isConstantZ() const { return _m[2] == 0 && _m[6] == 0; }
+    // Whether the bottom row has a perspective term.
+    bool isPerspectiveProjection() const { return _m[3] != 0 || _m[7] != 0 || _m[11] != 0; }
+    // Whether the 3x3 part has an off-diagonal term (shear included).
+    bool hasRotation() const;
+    bool hasNan() const;
+    bool hasInfinity() const;
+    bool hasNanOrInfinity() const { return hasNan() || hasInfinity(); }
+
+    // The upper-left 3x3 part alone (no translation, no perspective).
+    Matrix4x4 rotation() const;
+    // rotation() with its three columns made unit length.
+    Matrix4x4 rotationNormalized() const;
+    Vector3d axis(Axis3d a) const
+    {
+        return {_m[4 * int(a)], _m[4 * int(a) + 1], _m[4 * int(a) + 2]};
+    }
+    Point3d origin() const { return {_m[12], _m[13], _m[14]}; }
+    // The linear scale of the plane: sqrt(|A·D − B·C|).
+    double scaleFactor() const;
+
+    // this ×= the view transform of a camera at eye looking at center.
+    void lookAt(Point3d const& eye, Point3d const& center, Vector3d const& up);
+    // this ×= the perspective projection with a vertical field of view in
+    // degrees, onto the clip cube [−1, 1]³ (the camera looks down −z).
+    void perspectiveProject(double fovyDegrees, double aspect, double zNear, double zFar);
+    // this ×= the perspective projection of the frustum given by its near
+    // rectangle.
+    void perspectiveProject(double left, double right, double bottom, double top, double zNear,
+                            double zFar);
+    // this ×= the orthographic projection of the box onto [−1, 1]³.
+    void orthogonalProject(double left, double right, double bottom, double top, double zNear,
+                           double zFar);
+
+    // Splits an affine matrix into translation × rotation × scale, the
+    // rotation as the angles of Angle3d::toRotationMatrix(). A mirror shows as
+    // a negative x scale. False when a column of the 3x3 part is zero.
+    bool extractParameters(Vector3d& translation, Angle3d& angles, Vector3d& scale) const;
+    // The 2D part as translation, rotation (degrees) and scale; a shear is not
+    // reported. False when the first column is zero.
+    bool extractParameters(Vector2d& translation, double& angleDegrees, Vector2d& scale) const;
+
+    // Text dumps to standard output, row by row.
+    void print(char const* label) const;
+    void debugPrint(char const* label) const;
+
+private:
+    struct NoInit
+    {};
+    explicit Matrix4x4(NoInit)
+        : _identity(false)
+    {}
+    void set(int i, double v)
+    {
+        _identity = false;
+        _m[i] = v;
+    }
+    void setValues(double const* values);
+    // Column c of r is a combined with the column c of b; r must not alias.
+    static void product(double const* a, double const* b, double* r)
+    {
+        for (int c = 0; c < 4; ++c) {
+            double b0 = b[4 * c], b1 = b[4 * c + 1], b2 = b[4 * c + 2], b3 = b[4 * c + 3];
+            for (int i = 0; i < 4; ++i)
+                r[4 * c + i] = a[i] * b0 + a[4 + i] * b1 + a[8 + i] * b2 + a[12 + i] * b3;
+        }
+    }
+
+    alignas(16) double _m[16];
+    bool _identity;
+};
+
+// Sixteen contiguous values, then the flag.
+static_assert(sizeof(Matrix4x4) == 18 * sizeof(double) && std::is_standard_layout_v<Matrix4x4>);
+
+} // namespace Math

@@ -1,0 +1,360 @@
+// Space vectors and points: Math::Vector3d, Math::Point3d, the homogeneous
+// Math::Point4d and the Euler angles Math::Angle3d (degrees about X, Y, Z).
+// Comparisons are exact. Unlike the plane vector, the 3D normalising and
+// projecting functions divide without a guard and give NaN for zero input.
+#pragma once
+
+#include <BrindleBaseCore/Global.h>
+#include <BrindleBaseCore/math/Axis.h>
+#include <BrindleBaseCore/math/Point2d.h>
+#include <BrindleBaseCore/math/TUMaths.h>
+
+#include <cmath>
+#include <type_traits>
+
+namespace Math {
+
+class Matrix4x4;
+class Point3d;
+
+class BRINDLE_EXPORT Vector3d
+{
+public:
+    Vector3d() = default;
+    Vector3d(double px, double py, double pz)
+        : _x(px)
+        , _y(py)
+        , _z(pz)
+    {}
+    explicit Vector3d(Vector2d const& v)
+        : _x(v.x())
+        , _y(v.y())
+        , _z(0.0)
+    {}
+    explicit Vector3d(Point3d const& p);
+    // to − from.
+    Vector3d(Point3d const& from, Point3d const& to);
+
+    double x() const { return _x; }
+    double y() const { return _y; }
+    double z() const { return _z; }
+    double& x() { return _x; }
+    double& y() { return _y; }
+    double& z() { return _z; }
+    void setX(double v) { _x = v; }
+    void setY(double v) { _y = v; }
+    void setZ(double v) { _z = v; }
+    void setXYZ(double px, double py, double pz) { _x = px, _y = py, _z = pz; }
+    double operator()(Axis3d a) const { return (&_x)[int(a)]; }
+    double& operator()(Axis3d a) { return (&_x)[int(a)]; }
+    double const* asArray() const { return &_x; }
+    double* asArray() { return &_x; }
+
+    Vector3d operator+(Vector3d const& v) const { return {_x + v._x, _y + v._y, _z + v._z}; }
+    Vector3d operator-(Vector3d const& v) const { return {_x - v._x, _y - v._y, _z - v._z}; }
+    Vector3d operator-() const { return {-_x, -_y, -_z}; }
+    Vector3d& operator+=(Vector3d const& v) { return *this = *this + v; }
+    Vector3d& operator-=(Vector3d const& v) { return *this = *this - v; }
+    Vector3d operator*(double f) const { return {_x * f, _y * f, _z * f}; }
+    Vector3d operator/(double f) const { return {_x / f, _y / f, _z / f}; }
+    Vector3d& operator*=(double f) { return *this = *this * f; }
+    Vector3d& operator/=(double f) { return *this = *this / f; }
+    double operator*(Vector3d const& v) const { return _x * v._x + _y * v._y + _z * v._z; }
+    double getDotProduct(Vector3d const& v) const { return *this * v; }
+    Vector3d operator^(Vector3d const& b) const
+    {
+        return {_y * b._z - _z * b._y, _z * b._x - _x * b._z, _x * b._y - _y * b._x};
+    }
+    Vector3d getCrossProduct(Vector3d const& b) const { return *this ^ b; }
+    bool operator==(Vector3d const& v) const { return _x == v._x && _y == v._y && _z == v._z; }
+    bool operator!=(Vector3d const& v) const { return !(*this == v); }
+
+    double length() const { return std::sqrt(lengthSq()); }
+    double lengthSq() const { return _x * _x + _y * _y + _z * _z; }
+    bool isZero() const { return _x == 0 && _y == 0 && _z == 0; }
+    bool hasNan() const { return std::isnan(_x) || std::isnan(_y) || std::isnan(_z); }
+    bool hasInfinity() const { return std::isinf(_x) || std::isinf(_y) || std::isinf(_z); }
+    bool hasNanOrInfinity() const { return hasNan() || hasInfinity(); }
+    void negate() { *this = -*this; }
+    void round(double q)
+    {
+        _x = TUMaths::quantumRound(_x, q);
+        _y = TUMaths::quantumRound(_y, q);
+        _z = TUMaths::quantumRound(_z, q);
+    }
+    Vector2d toVector2d() const { return {_x, _y}; }
+
+    // Intended: no guard, the zero vector becomes NaN.
+    void normalize() { *this = getNormalized(); }
+    Vector3d getNormalized() const { return *this * (1.0 / length()); }
+    // In [−1, 1]; 0 when either vector is zero. The sine is never negative.
+    double getCos(Vector3d const& b) const;
+    double getSin(Vector3d const& b) const;
+    // No guard: b = 0 gives NaN.
+    double getProjectionRatio(Vector3d const& b) const { return (*this * b) / (b * b); }
+    void project(Vector3d const& b) { *this = getProjection(b); }
+    Vector3d getProjection(Vector3d const& b) const { return b * getProjectionRatio(b); }
+
+    // Writes "    label : (x, y, z)" to standard output.
+    void debugPrint(char const* label) const;
+
+private:
+    double _x = 0.0;
+    double _y = 0.0;
+    double _z = 0.0;
+};
+
+inline Vector3d operator*(double f, Vector3d const& v)
+{
+    return v * f;
+}
+
+class BRINDLE_EXPORT Point3d
+{
+public:
+    Point3d() = default;
+    Point3d(double px, double py, double pz)
+        : _x(px)
+        , _y(py)
+        , _z(pz)
+    {}
+    Point3d(Point2d const& p, double pz)
+        : _x(p.x())
+        , _y(p.y())
+        , _z(pz)
+    {}
+    explicit Point3d(Vector3d const& v)
+        : _x(v.x())
+        , _y(v.y())
+        , _z(v.z())
+    {}
+
+    double x() const { return _x; }
+    double y() const { return _y; }
+    double z() const { return _z; }
+    double& x() { return _x; }
+    double& y() { return _y; }
+    double& z() { return _z; }
+    void setX(double v) { _x = v; }
+    void setY(double v) { _y = v; }
+    void setZ(double v) { _z = v; }
+    void setXYZ(double px, double py, double pz) { _x = px, _y = py, _z = pz; }
+    double operator()(Axis3d a) const { return (&_x)[int(a)]; }
+    double& operator()(Axis3d a) { return (&_x)[int(a)]; }
+    double const* asArray() const { return &_x; }
+    double* asArray() { return &_x; }
+
+    Point3d operator+(Vector3d const& v) const { return {_x + v.x(), _y + v.y(), _z + v.z()}; }
+    Point3d operator-(Vector3d const& v) const { return {_x - v.x(), _y - v.y(), _z - v.z()}; }
+    Vector3d operator-(Point3d const& p) const { return {_x - p._x, _y - p._y, _z - p._z}; }
+    Point3d& operator+=(Vector3d const& v) { return *this = *this + v; }
+    Point3d& operator-=(Vector3d const& v) { return *this = *this - v; }
+    bool operator==(Point3d const& p) const { return _x == p._x && _y == p._y && _z == p._z; }
+    bool operator!=(Point3d const& p) const { return !(*this == p); }
+
+    double distance(Point3d const& p) const { return (*this - p).length(); }
+    double distanceSq(Point3d const& p) const { return (*this - p).lengthSq(); }
+    bool isOrigin() const { return _x == 0 && _y == 0 && _z == 0; }
+    void round(double q)
+    {
+        _x = TUMaths::quantumRound(_x, q);
+        _y = TUMaths::quantumRound(_y, q);
+        _z = TUMaths::quantumRound(_z, q);
+    }
+    bool hasNan() const { return toVector().hasNan(); }
+    bool hasInfinity() const { return toVector().hasInfinity(); }
+    bool hasNanOrInfinity() const { return toVector().hasNanOrInfinity(); }
+    Point2d toPoint2d() const { return {_x, _y}; }
+    Vector3d toVector() const { return {_x, _y, _z}; }
+
+    static Point3d interpolate(double t, Point3d const& a, Point3d const& b)
+    {
+        return a + (b - a) * t;
+    }
+    // Barycentric: s·a + t·b + (1 − s − t)·c.
+    static Point3d interpolate(Point3d const& a, double s, Point3d const& b, double t,
+                               Point3d const& c)
+    {
+        double u = 1 - s - t;
+        return {s * a._x + t * b._x + u * c._x, s * a._y + t * b._y + u * c._y,
+                s * a._z + t * b._z + u * c._z};
+    }
+
+private:
+    double _x = 0.0;
+    double _y = 0.0;
+    double _z = 0.0;
+};
+
+inline Vector3d::Vector3d(Point3d const& p)
+    : _x(p.x())
+    , _y(p.y())
+    , _z(p.z())
+{}
+inline Vector3d::Vector3d(Point3d const& from, Point3d const& to)
+    : Vector3d(to - from)
+{}
+
+// Homogeneous point. The default is (0, 0, 0, 0): w is 0 as well.
+class BRINDLE_EXPORT Point4d
+{
+public:
+    Point4d() = default;
+    Point4d(double px, double py, double pz, double pw)
+        : _x(px)
+        , _y(py)
+        , _z(pz)
+        , _w(pw)
+    {}
+    explicit Point4d(Point2d const& p)
+        : _x(p.x())
+        , _y(p.y())
+        , _z(0.0)
+        , _w(1.0)
+    {}
+    explicit Point4d(Point3d const& p)
+        : _x(p.x())
+        , _y(p.y())
+        , _z(p.z())
+        , _w(1.0)
+    {}
+    explicit Point4d(Vector3d const& v)
+        : _x(v.x())
+        , _y(v.y())
+        , _z(v.z())
+        , _w(0.0)
+    {}
+
+    double x() const { return _x; }
+    double y() const { return _y; }
+    double z() const { return _z; }
+    double w() const { return _w; }
+    double& x() { return _x; }
+    double& y() { return _y; }
+    double& z() { return _z; }
+    double& w() { return _w; }
+    void setX(double v) { _x = v; }
+    void setY(double v) { _y = v; }
+    void setZ(double v) { _z = v; }
+    void setW(double v) { _w = v; }
+    void setXYZW(double px, double py, double pz, double pw) { *this = Point4d(px, py, pz, pw); }
+    double operator()(Axis4d a) const { return (&_x)[int(a)]; }
+    double& operator()(Axis4d a) { return (&_x)[int(a)]; }
+    double const* asArray() const { return &_x; }
+    double* asArray() { return &_x; }
+
+    bool operator==(Point4d const& p) const
+    {
+        return _x == p._x && _y == p._y && _z == p._z && _w == p._w;
+    }
+    bool operator!=(Point4d const& p) const { return !(*this == p); }
+    bool hasNan() const { return toVector3d().hasNan() || std::isnan(_w); }
+    bool hasInfinity() const { return toVector3d().hasInfinity() || std::isinf(_w); }
+    bool hasNanOrInfinity() const { return hasNan() || hasInfinity(); }
+
+    // Intended: w is not looked at (the same test as Vector3d::isZero).
+    bool isOrigin() const { return toVector3d().isZero(); }
+    bool isVector() const { return std::fabs(_w) < TUMaths::epsilon(); }
+    // Divides by w unless w is (nearly) 0.
+    void normalize()
+    {
+        if (!isVector())
+            *this = Point4d(_x / _w, _y / _w, _z / _w, 1.0);
+    }
+    // Whether the component lies outside [−w, w].
+    bool isClipped(Axis3d a) const
+    {
+        double c = (*this)(Axis4d(int(a)));
+        return c > _w || -c > _w;
+    }
+    bool isClipped() const
+    {
+        return isClipped(Axis3d::X) || isClipped(Axis3d::Y) || isClipped(Axis3d::Z);
+    }
+    bool isInFront() const { return _w >= -_z; }
+
+    // Divide by w unless it is (nearly) 0.
+    Point2d toPoint2d() const { return isVector() ? Point2d(_x, _y) : Point2d(_x / _w, _y / _w); }
+    Point3d toPoint3d() const
+    {
+        return isVector() ? Point3d(_x, _y, _z) : Point3d(_x / _w, _y / _w, _z / _w);
+    }
+    Vector2d toVector2d() const { return {_x, _y}; }
+    // Intended: copies x, y, z without dividing by w.
+    Vector3d toVector3d() const { return {_x, _y, _z}; }
+
+    static Point4d interpolate(double t, Point4d const& a, Point4d const& b)
+    {
+        return {a._x + (b._x - a._x) * t, a._y + (b._y - a._y) * t, a._z + (b._z - a._z) * t,
+                a._w + (b._w - a._w) * t};
+    }
+
+private:
+    double _x = 0.0;
+    double _y = 0.0;
+    double _z = 0.0;
+    double _w = 0.0;
+};
+
+// Rotation angles in degrees about the X, Y and Z axes.
+class BRINDLE_EXPORT Angle3d
+{
+public:
+    Angle3d() = default;
+    Angle3d(double px, double py, double pz)
+        : _x(px)
+        , _y(py)
+        , _z(pz)
+    {}
+    // The heading (y, from +Z towards +X) and pitch (x, positive downwards)
+    // of a direction; no roll.
+    explicit Angle3d(Vector3d const& direction);
+
+    double x() const { return _x; }
+    double y() const { return _y; }
+    double z() const { return _z; }
+    double& x() { return _x; }
+    double& y() { return _y; }
+    double& z() { return _z; }
+    void setX(double v) { _x = v; }
+    void setY(double v) { _y = v; }
+    void setZ(double v) { _z = v; }
+    void setXYZ(double px, double py, double pz) { _x = px, _y = py, _z = pz; }
+    double operator()(Axis3d a) const { return (&_x)[int(a)]; }
+    double& operator()(Axis3d a) { return (&_x)[int(a)]; }
+    double const* asArray() const { return &_x; }
+    double* asArray() { return &_x; }
+
+    // Component by component, no wrapping.
+    Angle3d operator+(Angle3d const& a) const { return {_x + a._x, _y + a._y, _z + a._z}; }
+    Angle3d operator-(Angle3d const& a) const { return {_x - a._x, _y - a._y, _z - a._z}; }
+    Angle3d& operator+=(Angle3d const& a) { return *this = *this + a; }
+    Angle3d& operator-=(Angle3d const& a) { return *this = *this - a; }
+    bool operator==(Angle3d const& a) const { return _x == a._x && _y == a._y && _z == a._z; }
+    bool operator!=(Angle3d const& a) const { return !(*this == a); }
+    bool isIdentity() const { return _x == 0 && _y == 0 && _z == 0; }
+
+    // No wrapping of the angles.
+    static Angle3d interpolate(double t, Angle3d const& a, Angle3d const& b)
+    {
+        return {a._x + (b._x - a._x) * t, a._y + (b._y - a._y) * t, a._z + (b._z - a._z) * t};
+    }
+    // Intended: copies the three numbers, it does not make a direction.
+    Vector3d toVector3d() const { return {_x, _y, _z}; }
+    // Identity rotated by z about Z, then by y about Y, then by x about X.
+    Matrix4x4 toRotationMatrix() const;
+    // toRotationMatrix() applied to (0, 0, 1).
+    Vector3d toNormal() const;
+
+private:
+    double _x = 0.0;
+    double _y = 0.0;
+    double _z = 0.0;
+};
+
+static_assert(sizeof(Vector3d) == 3 * sizeof(double) && std::is_standard_layout_v<Vector3d>);
+static_assert(sizeof(Point3d) == 3 * sizeof(double) && std::is_standard_layout_v<Point3d>);
+static_assert(sizeof(Point4d) == 4 * sizeof(double) && std::is_standard_layout_v<Point4d>);
+static_assert(sizeof(Angle3d) == 3 * sizeof(double) && std::is_standard_layout_v<Angle3d>);
+
+} // namespace Math

@@ -1,0 +1,321 @@
+// PL_FileSpec, PL_FileInfo, PL_FileSpec_iterator and the temporary folders.
+#include <BrindleBaseCore/app/MSG_Text.h>
+#include <BrindleBaseCore/files/PL_FileSpec.h>
+#include <BrindleBaseCore/files/PL_TemporaryDir.h>
+#include <BrindleBaseCore/files/UT_RelPath.h>
+
+#include <QtCore/QDir>
+#include <QtCore/QFile>
+#include <QtCore/QSet>
+#include <QtCore/QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include "FileContents.h"
+
+#include <cerrno>
+#include <cstdlib>
+#include <fcntl.h>
+#include <thread>
+#include <unistd.h>
+#include <vector>
+
+namespace {
+
+UT_String u(QString const& text)
+{
+    return UT_String(text);
+}
+
+using files_test::readFile;
+using files_test::writeFile;
+
+class FileSpecTest : public ::testing::Test
+{
+protected:
+    QTemporaryDir dir;
+    QString at(QString const& name) const { return dir.path() + QLatin1Char('/') + name; }
+};
+
+TEST_F(FileSpecTest, TextOperations)
+{
+    PL_FileSpec spec(u("/a/b/scene.xstage"));
+    EXPECT_EQ(spec.GetDisplayName().ToQString(), "scene.xstage");
+    EXPECT_EQ(spec.GetName(false).ToQString(), "scene");
+    EXPECT_EQ(spec.GetExtension().ToQString(), "xstage");
+    EXPECT_TRUE(spec.HasExtension(u("XSTAGE")));
+    spec.SetExtension(u("tga"));
+    spec.AddExtension(u("gz"));
+    EXPECT_EQ(spec.GetQFilePath(), "/a/b/scene.tga.gz");
+    EXPECT_TRUE(spec.Up());
+    EXPECT_EQ(spec.GetQFilePath(), "/a/b");
+    spec.Add(u("c"));
+    EXPECT_EQ(spec.GetQFilePath(), "/a/b/c");
+
+    UT_String relative;
+    EXPECT_TRUE(spec.GetRelativePath(relative, PL_FileSpec(u("/a/x"))));
+    EXPECT_EQ(relative.ToQString(), "../b/c");
+    UT_String sub;
+    EXPECT_TRUE(spec.analyseSubPath(PL_FileSpec(u("/a")), sub));
+    EXPECT_EQ(sub.ToQString(), "b/c");
+    EXPECT_FALSE(spec.analyseSubPath(PL_FileSpec(u("/a/b/cd")), sub));
+    UT_String folder, base, extension;
+    EXPECT_TRUE(PL_FileSpec(u("/x/y.tar.gz")).analysePath(folder, base, extension));
+    EXPECT_EQ(folder.ToQString() + "|" + base.ToQString() + "|" + extension.ToQString(),
+              "/x/|y.tar|gz");
+
+    EXPECT_EQ(PL_FileSpec::fileURLToPath(QUrl("file:///tmp/%C3%A9t%C3%A9.txt")).ToQString(),
+              QString::fromUtf8("/tmp/été.txt"));
+    EXPECT_TRUE(PL_FileSpec::fileURLToPath(QUrl("https://host/x")).empty());
+    EXPECT_TRUE(PL_FileSpec(u("//srv/share/x")).IsShare());
+    EXPECT_FALSE(PL_FileSpec(u("/srv/share/x")).IsShare());
+
+    PL_FileSpec restored;
+    restored.IFileSpec(PL_FileSpec(u("/a/é")).GetSavableID());
+    EXPECT_EQ(restored.GetQFilePath(), QString::fromUtf8("/a/é"));
+    PL_FileSpec joined;
+    joined.IFileSpec(u("c/d"), PL_FileSpec(u("/a/b")));
+    EXPECT_EQ(joined.GetQFilePath(), "/a/b/c/d");
+}
+
+TEST_F(FileSpecTest, CacheIsFilledOnceAndResetByChanges)
+{
+    QString const path = at("f.bin");
+    PL_FileSpec spec(u(path));
+    EXPECT_FALSE(spec.Exists());
+    writeFile(path, "12345");
+    EXPECT_FALSE(spec.Exists()) << "the cached answer stays until reset";
+    spec.ResetInfo();
+    EXPECT_TRUE(spec.IsFile());
+    EXPECT_EQ(spec.GetFileLength(), 5u);
+    qint64 time = 0;
+    EXPECT_TRUE(spec.GetFileTime(time));
+    EXPECT_GT(time, 1600000000);
+    EXPECT_TRUE(spec.TestAccess(true));
+
+    PL_FileSpec renamed = spec;
+    EXPECT_EQ(renamed.Rename(u("g.bin")), 0);
+    EXPECT_EQ(renamed.GetQFilePath(), at("g.bin"));
+    EXPECT_TRUE(renamed.Exists());
+    EXPECT_EQ(renamed.Delete(), 0);
+    EXPECT_FALSE(renamed.Exists());
+    EXPECT_EQ(renamed.Delete(), ENOENT);
+}
+
+TEST_F(FileSpecTest, KindsLinksAndHidden)
+{
+    PL_FileSpec folder(u(at("sub/deeper")));
+    EXPECT_EQ(folder.CreateFolder(), 0);
+    EXPECT_EQ(folder.CreateFolder(), 0) << "an existing folder is fine";
+    EXPECT_TRUE(folder.IsFolder());
+    writeFile(at("sub/.hidden"), "x");
+    EXPECT_TRUE(PL_FileSpec(u(at("sub/.hidden"))).IsHidden());
+    EXPECT_FALSE(folder.IsHidden());
+    ASSERT_EQ(::symlink(QFile::encodeName(at("sub")).constData(),
+                        QFile::encodeName(at("link")).constData()),
+              0);
+    PL_FileSpec link(u(at("link")));
+    EXPECT_TRUE(link.IsSymbolicLink());
+    EXPECT_TRUE(link.IsFolder());
+    // Deleting a link never deletes what it points to.
+    EXPECT_EQ(link.Delete(), 0);
+    EXPECT_TRUE(PL_FileSpec(u(at("sub/.hidden"))).Exists());
+
+    QString created;
+    PL_FileSpec parent(u(at("sub")));
+    EXPECT_EQ(parent.createSubFolder("deeper", created), 0);
+    EXPECT_EQ(created, at("sub/deeper_1"));
+    EXPECT_EQ(parent.Delete(), 0);
+    EXPECT_FALSE(QFileInfo::exists(at("sub")));
+}
+
+TEST_F(FileSpecTest, BadPathsGiveFailuresNotCrashes)
+{
+    QString const lone = QString(QChar(0xD800)) + "x";
+    for (QString const& bad :
+         {QString(), QString("a") + QChar(0) + "b", lone, "/" + QString(5000, u'n')}) {
+        PL_FileSpec spec(u(bad));
+        EXPECT_FALSE(spec.Exists());
+        EXPECT_FALSE(spec.IsFile());
+        EXPECT_EQ(spec.GetFileLength(), 0u);
+        EXPECT_EQ(spec.get_fs("rb"), nullptr);
+        EXPECT_LT(spec.open(O_RDONLY, 0), 0);
+        EXPECT_NE(spec.Delete(), 0);
+        EXPECT_NE(spec.CreateFolder(), 0);
+        MSG_Text error;
+        EXPECT_FALSE(spec.CopyFileW(u(at("t")), error));
+        EXPECT_FALSE(error.isEmpty());
+    }
+    // Wildcards are ordinary characters here: nothing matches a pattern.
+    PL_FileSpec pattern(u(at("*.t?a")));
+    writeFile(at("a.tga"), "x");
+    EXPECT_FALSE(pattern.Exists());
+    EXPECT_EQ(pattern.get_fs("rb"), nullptr);
+}
+
+TEST_F(FileSpecTest, UnicodePathsOpen)
+{
+    QString const name = at(QString::fromUtf8("日本語 ñ 🎬.txt"));
+    FILE* f = PL_FileSpec::fopen(name, "wb");
+    ASSERT_NE(f, nullptr);
+    std::fputs("hi", f);
+    std::fclose(f);
+    EXPECT_EQ(readFile(name), "hi");
+    PL_FileSpec spec(u(name));
+    EXPECT_EQ(spec.GetFileLength(), 2u);
+    int fd = spec.open(O_RDONLY, 0);
+    ASSERT_GE(fd, 0);
+    ::close(fd);
+}
+
+TEST_F(FileSpecTest, CopyMoveExchange)
+{
+    writeFile(at("a"), "AAA");
+    writeFile(at("b"), "B");
+    PL_FileSpec a(u(at("a")));
+    MSG_Text error;
+    EXPECT_TRUE(a.CopyFileW(u(at("c")), error));
+    EXPECT_EQ(readFile(at("c")), "AAA");
+    EXPECT_EQ(a.CloneFile(PL_FileSpec(u(at("b"))), false), EEXIST);
+    EXPECT_EQ(a.Exchange(PL_FileSpec(u(at("b")))), 0);
+    EXPECT_EQ(readFile(at("a")), "B");
+    EXPECT_EQ(readFile(at("b")), "AAA");
+    EXPECT_FALSE(a.HardLink(PL_FileSpec(u(at("c"))), false));
+    EXPECT_TRUE(a.HardLink(PL_FileSpec(u(at("c"))), true));
+    EXPECT_EQ(readFile(at("c")), "B");
+    PL_FileSpec moving(u(at("c")));
+    EXPECT_EQ(moving.Move(PL_FileSpec(u(at("d")))), 0);
+    EXPECT_EQ(moving.GetQFilePath(), at("d"));
+    EXPECT_FALSE(QFileInfo::exists(at("c")));
+}
+
+TEST_F(FileSpecTest, CopyFailuresSayWhy)
+{
+    MSG_Text error;
+    EXPECT_FALSE(PL_FileSpec(u(at("missing"))).CopyFileW(u(at("t")), error));
+    EXPECT_TRUE(error.getText().contains("does not exist")) << error.getText().toStdString();
+    writeFile(at("src"), "x");
+    EXPECT_FALSE(PL_FileSpec(u(at("src"))).CopyFileW(u(at("nofolder/t")), error));
+    EXPECT_TRUE(error.getText().contains("target folder does not exist"));
+    EXPECT_TRUE(error.getText().contains(at("src")));
+    if (::geteuid() != 0) {
+        QDir().mkdir(at("ro"));
+        QFile::setPermissions(at("ro"), QFile::ReadOwner | QFile::ExeOwner);
+        EXPECT_FALSE(PL_FileSpec(u(at("src"))).CopyFileW(u(at("ro/t")), error));
+        EXPECT_TRUE(error.getText().contains("permission denied"));
+    }
+    if (QFileInfo::exists("/dev/full")) {
+        EXPECT_FALSE(PL_FileSpec(u(at("src"))).CopyFileW(u("/dev/full"), error));
+        EXPECT_TRUE(error.getText().contains("disk is full")) << error.getText().toStdString();
+    }
+}
+
+TEST_F(FileSpecTest, Enumeration)
+{
+    PL_FileSpec empty(u(at("empty")));
+    ASSERT_EQ(empty.CreateFolder(), 0);
+    EXPECT_TRUE(empty.begin() == empty.end());
+    EXPECT_TRUE(PL_FileSpec(u(at("none"))).begin() == PL_FileSpec().end());
+
+    writeFile(at("one.txt"), "1");
+    writeFile(at(".two"), "22");
+    QSet<QString> names;
+    for (auto it = PL_FileSpec(u(dir.path())).begin(); it != PL_FileSpec_iterator(); ++it) {
+        names.insert(it->GetDisplayName().ToQString());
+        if (it->GetDisplayName().ToQString() == ".two") {
+            EXPECT_TRUE(it->IsInit()) << "entries carry their information";
+            EXPECT_EQ(it->GetFileLength(), 2u);
+            EXPECT_TRUE(it->IsHidden());
+        }
+        if (it->GetDisplayName().ToQString() == "empty") {
+            EXPECT_TRUE(it->IsFolder());
+        }
+    }
+    EXPECT_EQ(names, QSet<QString>({"empty", "one.txt", ".two"}));
+}
+
+TEST(SpecialFolders, MapToStandardLocationsOrFailClearly)
+{
+    PL_FileSpec spec;
+    EXPECT_EQ(spec.InitUserAppDataFolder(), 0);
+    EXPECT_TRUE(spec.IsValid());
+    EXPECT_EQ(spec.InitUserDocumentsFolder(), 0);
+    EXPECT_TRUE(spec.IsValid());
+    PL_FileSpec before = spec;
+    EXPECT_EQ(spec.WindowsPublicDocumentPath(), ENOTSUP);
+    EXPECT_EQ(spec, before);
+    EXPECT_EQ(PL_FileSpec(u("/x/y.lnk")).resolveShortcuts(), ENOTSUP);
+    EXPECT_EQ(PL_FileSpec(u("/x/y")).resolveShortcuts(), 0);
+}
+
+// The process temporary folders live under TMPDIR, set by main() to a
+// private folder so that parallel test runs do not empty each other's.
+TEST(TemporaryFiles, NamesAndFolders)
+{
+    PL_FileSpec first, second;
+    ASSERT_EQ(first.InitTempFile(), 0);
+    ASSERT_EQ(second.InitTempFile(), 0);
+    QString const folder = QDir::tempPath() + "/BrindleTempFilesDir";
+    EXPECT_EQ(first.GetQFilePath(), folder + "/tmpfs_1.tmp");
+    EXPECT_EQ(second.GetQFilePath(), folder + "/tmpfs_2.tmp");
+    EXPECT_FALSE(QFileInfo::exists(folder + "/left-over")) << "emptied at first use";
+    // An existing readable file is skipped.
+    writeFile(folder + "/tmpfs_3.tmp", "taken");
+    PL_FileSpec third;
+    third.InitTempFile();
+    EXPECT_EQ(third.GetQFilePath(), folder + "/tmpfs_4.tmp");
+
+    PL_FileSpec session;
+    EXPECT_EQ(session.InitSessionTempFolder(), 0);
+    EXPECT_EQ(session.GetQFilePath(), QDir::tempPath() + "/BrindleSessionTempDir");
+    EXPECT_TRUE(QFileInfo::exists(session.GetQFilePath() + "/kept"))
+        << "the session folder is kept";
+}
+
+TEST(TemporaryFiles, ManyThreadsGetDistinctNames)
+{
+    PL_TemporaryDir tmp;
+    ASSERT_TRUE(tmp.isValid());
+    EXPECT_EQ(tmp.generateTemporaryName("exr"), tmp.path() + "/00000.exr");
+    EXPECT_EQ(tmp.generateTemporaryName("exr"), tmp.path() + "/00001.exr");
+    constexpr int threads = 8, each = 500;
+    std::vector<std::vector<QString>> names(threads);
+    std::vector<std::thread> pool;
+    for (int t = 0; t < threads; ++t) {
+        pool.emplace_back([&, t] {
+            for (int i = 0; i < each; ++i) {
+                PL_FileSpec spec;
+                spec.InitTempFile();
+                names[t].push_back(spec.GetQFilePath());
+                names[t].push_back(tmp.generateTemporaryName("x"));
+            }
+        });
+    }
+    for (auto& thread : pool)
+        thread.join();
+    QSet<QString> all;
+    for (auto const& list : names)
+        for (QString const& name : list)
+            all.insert(name);
+    EXPECT_EQ(all.size(), threads * each * 2);
+
+    QString const path = tmp.path();
+    writeFile(path + "/f", "x");
+    PL_TemporaryDir::cleanUpBrindleTempDir();
+    EXPECT_FALSE(QFileInfo::exists(path));
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    // Private temporary root, with what an earlier run would have left.
+    QTemporaryDir root;
+    ::setenv("TMPDIR", QFile::encodeName(root.path()).constData(), 1);
+    QDir(root.path()).mkpath("BrindleTempFilesDir");
+    QDir(root.path()).mkpath("BrindleSessionTempDir");
+    QFile(root.path() + "/BrindleTempFilesDir/left-over").open(QIODevice::WriteOnly);
+    QFile(root.path() + "/BrindleSessionTempDir/kept").open(QIODevice::WriteOnly);
+    ::testing::InitGoogleTest(&argc, argv);
+    return RUN_ALL_TESTS();
+}

@@ -1,0 +1,173 @@
+// Backups, new files and lock files.
+#include <BrindleBaseCore/files/PL_FileUtil.h>
+
+#include <QtCore/QFile>
+#include <QtCore/QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include "FileContents.h"
+
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+using namespace PL_FileUtil;
+
+class FileUtilTest : public ::testing::Test
+{
+protected:
+    QTemporaryDir dir;
+    QString at(QString const& name) const { return dir.path() + QLatin1Char('/') + name; }
+    PL_FileSpec spec(QString const& name) const { return PL_FileSpec(UT_String(at(name))); }
+    void write(QString const& name, QByteArray const& content)
+    {
+        files_test::writeFile(at(name), content);
+    }
+    QByteArray read(QString const& name) const { return files_test::readFile(at(name)); }
+};
+
+TEST_F(FileUtilTest, BackupKeepsOneGeneration)
+{
+    EXPECT_TRUE(BackupFile(spec("scene.xstage")));
+    EXPECT_FALSE(QFile::exists(at("scene.xstage~"))) << "nothing to keep, nothing made";
+
+    write("scene.xstage", "v1");
+    EXPECT_TRUE(BackupFile(spec("scene.xstage")));
+    EXPECT_FALSE(QFile::exists(at("scene.xstage")));
+    EXPECT_EQ(read("scene.xstage~"), "v1");
+
+    write("scene.xstage", "v2");
+    EXPECT_TRUE(BackupFile(spec("scene.xstage")));
+    EXPECT_EQ(read("scene.xstage~"), "v2");
+    EXPECT_EQ(BackupFileSpec(spec("scene.xstage")).GetQFilePath(), at("scene.xstage~"));
+}
+
+TEST_F(FileUtilTest, RestoreAndDeleteBackup)
+{
+    EXPECT_FALSE(RestoreBackupFile(spec("f"), true)) << "no backup";
+    write("f~", "old");
+    write("f", "new");
+    EXPECT_FALSE(RestoreBackupFile(spec("f"), false));
+    EXPECT_EQ(read("f"), "new");
+    EXPECT_TRUE(RestoreBackupFile(spec("f"), true));
+    EXPECT_EQ(read("f"), "old");
+    EXPECT_TRUE(QFile::exists(at("f~"))) << "the backup remains";
+    EXPECT_TRUE(DeleteBackupFile(spec("f")));
+    EXPECT_FALSE(QFile::exists(at("f~")));
+    EXPECT_TRUE(DeleteBackupFile(spec("f")));
+}
+
+TEST_F(FileUtilTest, RenameNewFileNeverReplacesTheTarget)
+{
+    EXPECT_EQ(NewFileSpec(spec("x")).GetQFilePath(), at("x+"));
+    EXPECT_FALSE(RenameNewFile(spec("x"))) << "no new file";
+    write("x", "target");
+    write("x+", "new");
+    EXPECT_FALSE(RenameNewFile(spec("x")));
+    EXPECT_EQ(read("x"), "target");
+    QFile::remove(at("x"));
+    EXPECT_TRUE(RenameNewFile(spec("x")));
+    EXPECT_EQ(read("x"), "new");
+    EXPECT_FALSE(QFile::exists(at("x+")));
+    EXPECT_TRUE(CanWriteFile(spec("x")));
+    EXPECT_FALSE(CanWriteFile(spec("missing/x")));
+}
+
+TEST_F(FileUtilTest, LockersExcludeEachOtherInOneProcess)
+{
+    QString const path = at("scene.lock");
+    FileLocker first;
+    EXPECT_TRUE(first.Lock(path, ExclusiveLock, false));
+    EXPECT_TRUE(first.Locked());
+    EXPECT_EQ(QFileInfo(path).permissions() & (QFile::ReadOther | QFile::WriteOther), 0);
+
+    FileLocker second;
+    EXPECT_FALSE(second.Lock(path, ExclusiveLock, false));
+    EXPECT_TRUE(second.Locked()) << "open after a refused lock, deliberately";
+    EXPECT_FALSE(second.Lock(path, SharedLock, false));
+
+    // The lock byte lies beyond the content: the file stays readable and writable.
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+    EXPECT_EQ(file.write("data"), 4);
+    file.close();
+
+    first.Unlock();
+    EXPECT_FALSE(first.Locked());
+    EXPECT_TRUE(second.Lock(path, SharedLock, false));
+    FileLocker third(path, SharedLock);
+    EXPECT_TRUE(third.Locked());
+    EXPECT_FALSE(first.Lock(path, ExclusiveLock, false));
+}
+
+TEST_F(FileUtilTest, CopiesShareTheLock)
+{
+    QString const path = at("copy.lock");
+    auto copy = std::make_unique<FileLocker>();
+    {
+        FileLocker original;
+        ASSERT_TRUE(original.Lock(path, ExclusiveLock, false));
+        *copy = original;
+    }
+    FileLocker other;
+    EXPECT_FALSE(other.Lock(path, ExclusiveLock, false)) << "the copy still holds it";
+    copy.reset();
+    EXPECT_TRUE(other.Lock(path, ExclusiveLock, false));
+}
+
+TEST_F(FileUtilTest, RefusedInputs)
+{
+    FileLocker locker;
+    EXPECT_FALSE(locker.Lock(at("bad.lock"), static_cast<LockType>(2), false));
+    EXPECT_FALSE(locker.Locked());
+    EXPECT_FALSE(QFile::exists(at("bad.lock")));
+    EXPECT_FALSE(locker.Lock(QString(), ExclusiveLock, false));
+    EXPECT_FALSE(locker.Lock(at(QString::fromUtf8("日本.lock")), ExclusiveLock, false));
+    EXPECT_FALSE(locker.Lock(at("no/folder.lock"), ExclusiveLock, false));
+    EXPECT_FALSE(locker.Locked());
+    // Latin-1 names are fine.
+    EXPECT_TRUE(locker.Lock(at(QString::fromUtf8("café.lock")), ExclusiveLock, false));
+}
+
+TEST_F(FileUtilTest, UnreadableLockFileIsRepaired)
+{
+    if (::geteuid() == 0)
+        GTEST_SKIP() << "root may read and write any file";
+    write("ro.lock", "");
+    ::chmod(QFile::encodeName(at("ro.lock")).constData(), 0400);
+    FileLocker locker;
+    EXPECT_TRUE(locker.Lock(at("ro.lock"), ExclusiveLock, false));
+    struct stat st;
+    ASSERT_EQ(::stat(QFile::encodeName(at("ro.lock")).constData(), &st), 0);
+    EXPECT_EQ(st.st_mode & 0777, 0600u);
+}
+
+TEST_F(FileUtilTest, DeadProcessLosesItsLock)
+{
+    QString const path = at("dead.lock");
+    int ready[2];
+    ASSERT_EQ(::pipe(ready), 0);
+    pid_t const child = ::fork();
+    if (child == 0) {
+        FileLocker locker;
+        char ok = locker.Lock(path, ExclusiveLock, false) ? 1 : 0;
+        (void)!::write(ready[1], &ok, 1);
+        ::pause(); // killed while holding the lock
+        ::_exit(0);
+    }
+    char ok = 0;
+    ASSERT_EQ(::read(ready[0], &ok, 1), 1);
+    ASSERT_EQ(ok, 1);
+    FileLocker mine;
+    EXPECT_FALSE(mine.Lock(path, SharedLock, false)) << "held by the other process";
+    ::kill(child, SIGKILL);
+    ::waitpid(child, nullptr, 0);
+    EXPECT_TRUE(mine.Lock(path, ExclusiveLock, false));
+    ::close(ready[0]);
+    ::close(ready[1]);
+}
+
+} // namespace

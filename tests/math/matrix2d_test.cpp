@@ -1,0 +1,267 @@
+// Matrix2x2 with its identity flag and the affine Matrix2x3.
+#include <BrindleBaseCore/math/Box2d.h>
+#include <BrindleBaseCore/math/Matrix2x2.h>
+#include <BrindleBaseCore/math/Matrix2x3.h>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdio>
+#include <set>
+
+using namespace Math;
+
+namespace {
+
+Matrix2x2 unflagged(double m0, double m1, double m2, double m3)
+{
+    Matrix2x2 m;
+    m(Row0, Column0) = m0;
+    m(Row1, Column0) = m1;
+    m(Row0, Column1) = m2;
+    m(Row1, Column1) = m3;
+    return m;
+}
+
+void expectValues(Matrix2x2 const& m, double m0, double m1, double m2, double m3,
+                  double tolerance = 0)
+{
+    double const* v = m.asArray();
+    EXPECT_NEAR(v[0], m0, tolerance);
+    EXPECT_NEAR(v[1], m1, tolerance);
+    EXPECT_NEAR(v[2], m2, tolerance);
+    EXPECT_NEAR(v[3], m3, tolerance);
+}
+
+} // namespace
+
+TEST(Matrix2x2, IdentityFlagFollowsConstructionAndWrites)
+{
+    double identity[4] = {1, 0, 0, 1};
+    float identityF[4] = {1, 0, 0, 1};
+    EXPECT_TRUE(Matrix2x2().isIdentityFlag());
+    EXPECT_TRUE(Matrix2x2(identity).isIdentityFlag());
+    EXPECT_TRUE(Matrix2x2(identityF).isIdentityFlag());
+    EXPECT_TRUE(Matrix2x2(static_cast<double const*>(nullptr)).isIdentityFlag());
+    EXPECT_TRUE(Matrix2x2(Vector2d(1, 0), Vector2d(0, 1)).isIdentityFlag());
+    EXPECT_FALSE(Matrix2x2(Vector2d(1, 2), Vector2d(3, 4)).isIdentityFlag());
+    Matrix2x2 m;
+    m(Row0, Column0) = 1;
+    EXPECT_FALSE(m.isIdentityFlag());
+    EXPECT_TRUE(m.isIdentity());
+    expectValues(Matrix2x2(Vector2d(1, 2), Vector2d(3, 4)), 1, 2, 3, 4);
+    EXPECT_EQ(Matrix2x2(Vector2d(1, 2), Vector2d(3, 4))(Row0, Column1), 3.0);
+    m.clear();
+    EXPECT_TRUE(m.isIdentityFlag());
+}
+
+TEST(Matrix2x2, EqualityIsFlagOrBytes)
+{
+    EXPECT_TRUE(unflagged(1, 0, 0, 1) == Matrix2x2());
+    EXPECT_TRUE(unflagged(1, 0, -0.0, 1) != unflagged(1, 0, 0, 1));
+    EXPECT_TRUE(unflagged(NAN, 0, 0, 1) == unflagged(NAN, 0, 0, 1));
+    EXPECT_EQ(unflagged(1, 0, -0.0, 1).compare(unflagged(1, 0, 0, 1)), 0);
+    EXPECT_EQ(unflagged(1, 2, 0, 0).compare(unflagged(1, 3, -5, 0)), -1);
+    EXPECT_EQ(unflagged(1, 3, 0, 0).compare(unflagged(1, 2, 5, 0)), 1);
+}
+
+TEST(Matrix2x2, ProductsShortCutTheFlag)
+{
+    Matrix2x2 a = unflagged(1, 2, 3, 4), b = unflagged(5, 6, 7, 8);
+    expectValues(a * b, 23, 34, 31, 46);
+    Matrix2x2 p = Matrix2x2() * a;
+    EXPECT_FALSE(p.isIdentityFlag());
+    EXPECT_TRUE((a * Matrix2x2()) == a);
+    EXPECT_TRUE((Matrix2x2() * Matrix2x2()).isIdentityFlag());
+    Matrix2x2 c = a;
+    c *= b;
+    EXPECT_TRUE(c == a * b);
+    Vector2d v = a * Vector2d(1, 1);
+    EXPECT_EQ(v, Vector2d(4, 6));
+    EXPECT_EQ(a.axis(Axis2d::Y), Vector2d(3, 4));
+    EXPECT_EQ(a.determinant(), -2.0);
+    EXPECT_TRUE(unflagged(1, 2, 2, 4).isSingular());
+    EXPECT_FALSE(Matrix2x2().isSingular());
+    Matrix2x2 t = a.getTranspose();
+    expectValues(t, 1, 3, 2, 4);
+}
+
+TEST(Matrix2x2, InverseCrossesTheOffDiagonals)
+{
+    Matrix2x2 d = unflagged(2, 0, 0, 4);
+    EXPECT_TRUE(d.inverse());
+    expectValues(d, 0.5, 0, 0, 0.25);
+    // Intended: the transpose of the mathematical inverse (−2, 1, 1.5, −0.5).
+    Matrix2x2 m = unflagged(1, 2, 3, 4);
+    EXPECT_TRUE(m.inverse());
+    expectValues(m, -2, 1.5, 1, -0.5);
+    EXPECT_FALSE(m.isIdentityFlag());
+    expectValues(unflagged(1, 2, 3, 4).getInverse(), -2, 1.5, 1, -0.5);
+
+    Matrix2x2 s = unflagged(1, 2, 2, 4);
+    EXPECT_FALSE(s.inverse());
+    EXPECT_TRUE(s.isIdentityFlag());
+    EXPECT_TRUE(unflagged(1, 2, 2, 4).getInverse().isIdentityFlag());
+    EXPECT_TRUE(s.getInverse().isIdentityFlag());
+}
+
+TEST(Matrix2x2, RotationTakesTwoPaths)
+{
+    Matrix2x2 flagged;
+    flagged.rotateDegrees(90);
+    expectValues(flagged, 0, -1, 1, 0, 1e-15);
+    EXPECT_FALSE(flagged.isIdentityFlag());
+    Matrix2x2 fromColumns(Vector2d(1, 0), Vector2d(0, 1));
+    fromColumns.rotateDegrees(90);
+    expectValues(fromColumns, 0, -1, 1, 0, 1e-15);
+    // Intended: the same values without the flag rotate the other way.
+    Matrix2x2 plain = unflagged(1, 0, 0, 1);
+    plain.rotateDegrees(90);
+    expectValues(plain, 0, 1, -1, 0, 1e-15);
+    Matrix2x2 zero;
+    zero.rotateRadians(0);
+    EXPECT_TRUE(zero.isIdentityFlag());
+}
+
+TEST(Matrix2x2, ScaleOnAFlaggedIdentityWritesM1)
+{
+    Matrix2x2 m;
+    m.scale(1, 1);
+    EXPECT_TRUE(m.isIdentityFlag());
+    m.scale(2, 3);
+    expectValues(m, 2, 3, 0, 1); // intended
+    Matrix2x2 p = unflagged(1, 2, 3, 4);
+    p.scale(2, 3);
+    expectValues(p, 2, 4, 9, 12);
+    EXPECT_TRUE(unflagged(INFINITY, 0, 0, 1).hasInfinity());
+    EXPECT_TRUE(unflagged(1, NAN, 0, 1).hasNan());
+}
+
+TEST(Matrix2x3, CompositionAppliesTheLeftOperandFirst)
+{
+    Matrix2x3 translate = Matrix2x3::CreateTranslate(Vector2d(5, 0));
+    Matrix2x3 scale = Matrix2x3::CreateScale(Vector2d(2, 2));
+    EXPECT_EQ((translate * scale).Transform(Point2d(1, 1)), Point2d(12, 2));
+    EXPECT_EQ((scale * translate).Transform(Point2d(1, 1)), Point2d(7, 2));
+    Matrix2x3 m;
+    m.Multiply(translate, scale);
+    EXPECT_EQ(m, translate * scale);
+    Matrix2x3 n = translate;
+    n *= scale;
+    EXPECT_EQ(n, m);
+    Point2d p = Point2d(1, 1) * n;
+    EXPECT_EQ(p, Point2d(12, 2));
+    EXPECT_EQ(Vector2d(1, 1) * n, Vector2d(2, 2));
+
+    Point2d r = Matrix2x3::CreateRotate(M_PI / 2).Transform(Point2d(1, 0));
+    EXPECT_NEAR(r.x(), 0, 1e-15);
+    EXPECT_NEAR(r.y(), 1, 1e-15);
+    EXPECT_EQ(Matrix2x3::CreateShearX(2).Transform(Point2d(1, 1)), Point2d(3, 1));
+    EXPECT_EQ(Matrix2x3::CreateShearY(2).Transform(Point2d(1, 1)), Point2d(1, 3));
+}
+
+TEST(Matrix2x3, ClosedFormsMatchComposition)
+{
+    Matrix2x3 base(Vector2d(1.5, -0.25), Vector2d(0.75, 2), Point2d(3, -4));
+    auto check = [&](void (Matrix2x3::*op)(double), Matrix2x3 const& create, double arg) {
+        Matrix2x3 m = base;
+        (m.*op)(arg);
+        Matrix2x3 c = base * create;
+        for (unsigned i = 0; i < 6; ++i)
+            EXPECT_DOUBLE_EQ(m.asArray()[i], c.asArray()[i]) << i;
+    };
+    check(&Matrix2x3::Rotate, Matrix2x3::CreateRotate(0.3), 0.3);
+    check(&Matrix2x3::ShearX, Matrix2x3::CreateShearX(0.7), 0.7);
+    check(&Matrix2x3::ShearY, Matrix2x3::CreateShearY(-1.5), -1.5);
+    Matrix2x3 s = base;
+    s.Scale(Vector2d(2, 3));
+    EXPECT_EQ(s, base * Matrix2x3::CreateScale(Vector2d(2, 3)));
+    Matrix2x3 t = base;
+    t.Translate(Vector2d(2, 3));
+    EXPECT_EQ(t, base * Matrix2x3::CreateTranslate(Vector2d(2, 3)));
+}
+
+TEST(Matrix2x3, InverseAndIdentity)
+{
+    Matrix2x3 m(Vector2d(2, 1), Vector2d(1, 3), Point2d(4, 5));
+    Matrix2x3 inv;
+    ASSERT_TRUE(inv.MatrixInverse(m));
+    Point2d back = (m * inv).Transform(Point2d(7, -3));
+    EXPECT_NEAR(back.x(), 7, 1e-12);
+    EXPECT_NEAR(back.y(), -3, 1e-12);
+    Matrix2x3 kept = m;
+    EXPECT_FALSE(kept.MatrixInverse(Matrix2x3(Vector2d(1, 2), Vector2d(2, 4))));
+    EXPECT_EQ(kept, m);
+    EXPECT_TRUE(Matrix2x3().IsIdentity());
+    Matrix2x3 negZero;
+    negZero(1, 0) = -0.0;
+    EXPECT_FALSE(negZero.IsIdentity());
+    EXPECT_TRUE(negZero.hasRotation() == false);
+    EXPECT_TRUE(Matrix2x3::CreateShearX(1).hasRotation());
+    negZero.resetToIdentity();
+    EXPECT_TRUE(negZero.IsIdentity());
+    EXPECT_EQ(m.axis(Axis2d::Y), Vector2d(1, 3));
+    EXPECT_EQ(m.origin(), Point2d(4, 5));
+    EXPECT_EQ(m.Determinant(), 5.0);
+}
+
+TEST(Matrix2x3, OrderIsByStoredBytes)
+{
+    // Little-endian bytes of m4: 1.0 is 00..00 f0 3f, 1.5 is 00..00 f8 3f,
+    // 2.0 is 00..00 00 40 and -1.0 is 00..00 f0 bf.
+    Matrix2x3 one, oneAndHalf, two, minusOne;
+    one(0, 2) = 1.0;
+    oneAndHalf(0, 2) = 1.5;
+    two(0, 2) = 2.0;
+    minusOne(0, 2) = -1.0;
+    EXPECT_TRUE(two < one);
+    EXPECT_FALSE(one < two);
+    EXPECT_TRUE(one < oneAndHalf);
+    EXPECT_TRUE(two < oneAndHalf);
+    EXPECT_TRUE(one < minusOne);
+    EXPECT_FALSE(one < one);
+    std::set<Matrix2x3> keyed = {minusOne, one, two, oneAndHalf};
+    EXPECT_EQ(keyed.begin()->asArray()[4], 2.0);
+    EXPECT_EQ(keyed.rbegin()->asArray()[4], 1.5);
+}
+
+TEST(Matrix2x3, BoxesAndFloatPoints)
+{
+    Box2di unit = Matrix2x3().Transform(Box2di(0, 0, 0, 0));
+    EXPECT_EQ(unit, Box2di(0, 0, 1, 1));
+    Matrix2x3 rotate = Matrix2x3::CreateRotate(M_PI / 4);
+    Box2di turned = rotate.Transform(Box2di(0, 0, 10, 10));
+    EXPECT_EQ(turned, Box2di(-8, 0, 16, 15));
+    Box2di moved = Matrix2x3::CreateTranslate(Vector2d(0.5, -0.5)).Transform(Box2di(1, 1, 2, 2));
+    EXPECT_EQ(moved, Box2di(1, 0, 3, 3));
+
+    Box2d box(Point2d(0, 0), Point2d(2, 1));
+    Box2d mapped = Matrix2x3::CreateScale(Vector2d(-1, 3)).Transform(box);
+    EXPECT_FALSE(mapped.isEmpty());
+    EXPECT_EQ(mapped.min(), Point2d(-2, 0));
+    EXPECT_EQ(mapped.max(), Point2d(0, 3));
+    EXPECT_EQ(mapped.boundary(0), Constants::Closed);
+    // An empty box is mapped from its stored corners.
+    EXPECT_FALSE(Matrix2x3().Transform(Box2d()).isEmpty());
+
+    float x = 0, y = 0;
+    Matrix2x3::CreateTranslate(Vector2d(0.1, 0)).TransformPoint(1.0, 2.0, x, y);
+    EXPECT_EQ(x, float(1.1));
+    EXPECT_EQ(y, 2.0f);
+    Matrix2x3::CreateScale(Vector2d(2, 2)).TransformPoint(1.5f, 2.5f, x, y);
+    EXPECT_EQ(x, 3.0f);
+    EXPECT_EQ(y, 5.0f);
+}
+
+TEST(Matrix2x3, Print)
+{
+    Matrix2x3 m(Vector2d(1, 2), Vector2d(3, 4), Point2d(5, 6));
+    testing::internal::CaptureStdout();
+    m.print(nullptr);
+    m.print("T");
+    std::fflush(stdout);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              "Matrix:\n     1.00000      3.00000      5.00000\n     2.00000      4.00000      "
+              "6.00000\nT:\n     1.00000      3.00000      5.00000\n     2.00000      4.00000  "
+              "    6.00000\n");
+}

@@ -1,0 +1,262 @@
+#include <BrindleBaseCore/app/TUMessage.h>
+#include <BrindleBaseCore/os/OSW_Execute.h>
+
+#include <gtest/gtest.h>
+
+#include <QtCore/QDir>
+#include <QtCore/QElapsedTimer>
+#include <QtCore/QTemporaryDir>
+
+#include <cerrno>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+QString const Sh = QStringLiteral("/bin/sh");
+QString const C = QStringLiteral("-c");
+
+int openDescriptors()
+{
+    return int(QDir(QStringLiteral("/proc/self/fd")).count());
+}
+
+// True when this process has no child left, running or zombie.
+bool noChildLeft()
+{
+    errno = 0;
+    return ::waitpid(-1, nullptr, WNOHANG) < 0 && errno == ECHILD;
+}
+
+// Runs the shell script with pipes, waits, and returns what it wrote to stdout.
+QByteArray shellOutput(QString const& script, QStringList const& extra = {})
+{
+    OSW_Execute exec;
+    exec.enableStdioPipes(true);
+    EXPECT_EQ(exec.execm(QStringList{Sh, C, script} + extra), 0);
+    QByteArray out;
+    exec.readFromStdout(out);
+    return out;
+}
+
+} // namespace
+
+TEST(OSW_Execute, EmptyWordListThrowsWithCodeZero)
+{
+    OSW_Execute exec;
+    try {
+        exec.execm(QStringList{});
+        FAIL() << "no exception";
+    } catch (OSW_ExecuteException const& e) {
+        EXPECT_EQ(e.errorCode(), 0);
+        EXPECT_EQ(e.errorMessage().getText(),
+                  QStringLiteral("OSW_Execute: no application to execute"));
+        EXPECT_FALSE(e.isSignal());
+        EXPECT_FALSE(e.isStopped());
+        OSW_ExecuteException copy(e);
+        EXPECT_EQ(MSG_Text(copy).getText(), e.errorMessage().getText());
+    }
+    EXPECT_EQ(exec.pid(), 0u);
+}
+
+TEST(OSW_Execute, CommandLineQuotesOnlyWordsWithBlanks)
+{
+    EXPECT_EQ(OSW_Execute::commandLine({QStringLiteral("C:/Program Files/app.exe"),
+                                        QStringLiteral("-x"), QStringLiteral("a b")}),
+              QStringLiteral("\"C:/Program Files/app.exe\" -x \"a b\" "));
+    EXPECT_EQ(
+        OSW_Execute::commandLine({QStringLiteral("a\tb"), QString(), QStringLiteral("q\"\\")}),
+        QStringLiteral("a\tb  q\"\\ "));
+}
+
+TEST(OSW_Execute, ChildGetsTheOriginalWordsWithoutEmptyOnes)
+{
+    QByteArray const out =
+        shellOutput(QStringLiteral("printf '%s|' \"$@\""),
+                    {QStringLiteral("sh"), QStringLiteral("a b"), QString(), QStringLiteral("x\ty"),
+                     QStringLiteral("q\"u\\"), QStringLiteral(" lead")});
+    EXPECT_EQ(out, QByteArray("a b|x\ty|q\"u\\| lead|"));
+}
+
+TEST(OSW_Execute, ExitStatusesAndDetachedChildren)
+{
+    OSW_Execute exec;
+    EXPECT_EQ(exec.waitForProcEnd(), 0);
+    EXPECT_FALSE(exec.isRunning());
+    exec.kill();
+
+    EXPECT_EQ(exec.execm(Sh, C, QStringLiteral("exit 7")), 7);
+    EXPECT_EQ(exec.waitForProcEnd(), 7);
+    EXPECT_EQ(exec.execm(Sh, C, QStringLiteral("kill -TERM $$")), 128 + 15);
+
+    exec.setDetached(true);
+    EXPECT_EQ(exec.execm(Sh, C, QStringLiteral("sleep 0.2; exit 5")), 0);
+    EXPECT_NE(exec.pid(), 0u);
+    EXPECT_TRUE(exec.isRunning());
+    EXPECT_EQ(exec.waitForProcEnd(), 5);
+    EXPECT_EQ(exec.waitForProcEnd(), 5);
+    EXPECT_FALSE(exec.isRunning());
+
+    EXPECT_EQ(exec.execm(QStringLiteral("sleep"), QStringLiteral("30")), 0);
+    exec.kill();
+    EXPECT_EQ(exec.waitForProcEnd(), 128 + 9);
+    EXPECT_TRUE(noChildLeft());
+}
+
+TEST(OSW_Execute, EndedButUnwaitedChildIsNotRunning)
+{
+    OSW_Execute exec;
+    exec.setDetached(true);
+    exec.enableStdioPipes(true);
+    ASSERT_EQ(exec.execm(Sh, C, QStringLiteral("exit 3")), 0);
+    QByteArray out;
+    exec.readFromStdout(out); // returns once the child has gone
+    for (int i = 0; i < 200 && exec.isRunning(); ++i)
+        ::usleep(5000);
+    EXPECT_FALSE(exec.isRunning());
+    EXPECT_EQ(exec.waitForProcEnd(), 3);
+}
+
+TEST(OSW_Execute, WorkingDirectory)
+{
+    QTemporaryDir dir;
+    ASSERT_TRUE(dir.isValid());
+    OSW_Execute exec;
+    exec.enableStdioPipes(true);
+    exec.setWorkingDirectory(dir.path());
+    EXPECT_EQ(exec.workingDirectory(), dir.path());
+    ASSERT_EQ(exec.execm(QStringLiteral("pwd"), QString()), 0);
+    QByteArray out;
+    exec.readFromStdout(out);
+    EXPECT_EQ(out.trimmed(), QDir(dir.path()).canonicalPath().toLocal8Bit());
+
+    exec.setWorkingDirectory(dir.path() + QStringLiteral("/missing"));
+    EXPECT_EQ(exec.execm(QStringLiteral("true"), QString()), -1);
+}
+
+TEST(OSW_Execute, StartFailureLeavesNoChildAndNoDescriptor)
+{
+    int const before = openDescriptors();
+    for (bool pipes : {false, true}) {
+        OSW_Execute exec;
+        exec.enableStdioPipes(pipes);
+        QElapsedTimer timer;
+        timer.start();
+        EXPECT_EQ(exec.execm(QStringLiteral("/no/such/program"), QStringLiteral("x")), -1);
+        EXPECT_EQ(exec.execm(QStringLiteral("no-such-program-in-path"), QString()), -1);
+        EXPECT_EQ(exec.execm(QStringList{QString()}), -1);
+        EXPECT_LT(timer.elapsed(), 2000);
+        EXPECT_EQ(exec.pid(), 0u);
+        EXPECT_EQ(exec.waitForProcEnd(), 0);
+    }
+    EXPECT_EQ(openDescriptors(), before);
+    EXPECT_TRUE(noChildLeft());
+}
+
+TEST(OSW_Execute, ChildInheritsOnlyTheStandardDescriptors)
+{
+    int const extra = ::dup(1); // not close-on-exec
+    ASSERT_GT(extra, 2);
+    QByteArray const out = shellOutput(QStringLiteral("ls /proc/$$/fd"));
+    ::close(extra);
+    EXPECT_EQ(out, QByteArray("0\n1\n2\n"));
+}
+
+TEST(OSW_Execute, ReadsBothStreamsAfterTheChildEnded)
+{
+    OSW_Execute exec;
+    exec.enableStdioPipes(true);
+    ASSERT_EQ(exec.execm(Sh, C, QStringLiteral("head -c 3000 /dev/zero; printf oops >&2")), 0);
+    QByteArray out("xy");
+    EXPECT_EQ(exec.readFromStdout(out), 3002u);
+    EXPECT_EQ(out.count('\0'), 3000);
+    char buffer[16];
+    EXPECT_EQ(exec.readFromStderr(0, buffer), 0u);
+    EXPECT_EQ(exec.readFromStderr(sizeof buffer, buffer), 4u);
+    EXPECT_EQ(QByteArray(buffer, 4), QByteArray("oops"));
+    EXPECT_EQ(exec.readFromStderr(sizeof buffer, buffer), 0u); // end of stream
+}
+
+TEST(OSW_Execute, PipesHoldAMebibyteWhileTheCallerWaits)
+{
+    OSW_Execute exec;
+    exec.enableStdioPipes(true);
+    ASSERT_EQ(exec.execm(Sh, C, QStringLiteral("head -c 1000000 /dev/zero")), 0);
+    QByteArray out;
+    EXPECT_EQ(exec.readFromStdout(out), 1000000u);
+}
+
+TEST(OSW_Execute, WritesToStdinAndSurvivesAGoneChild)
+{
+    OSW_Execute exec;
+    exec.setDetached(true);
+    exec.enableStdioPipes(true);
+    ASSERT_EQ(exec.execm(QStringLiteral("cat"), QString()), 0);
+    QByteArray data(5000, 'z');
+    data[4999] = 'e';
+    EXPECT_EQ(exec.writeToStdin(data), 5000u);
+    EXPECT_EQ(exec.writeToStdin(0, data.constData()), 0u);
+    exec.closeStdin();
+    QByteArray out;
+    exec.readFromStdout(out);
+    EXPECT_EQ(out, data);
+    EXPECT_EQ(exec.waitForProcEnd(), 0);
+
+    // The reader is gone: the write fails instead of killing this process.
+    ASSERT_EQ(exec.execm(QStringLiteral("true"), QString()), 0);
+    EXPECT_EQ(exec.waitForProcEnd(), 0);
+    EXPECT_EQ(exec.writeToStdin(data), 0u);
+}
+
+TEST(OSW_Execute, StreamsWithoutPipesReportAndReturnZero)
+{
+    OSW_Execute exec;
+    ASSERT_EQ(exec.execm(QStringLiteral("true"), QString()), 0);
+    TUMessage::instance().setDebugMode(true);
+    testing::internal::CaptureStderr();
+    QByteArray out;
+    char buffer[8];
+    EXPECT_EQ(exec.readFromStdout(out), 0u);
+    EXPECT_EQ(exec.readFromStderr(sizeof buffer, buffer), 0u);
+    EXPECT_EQ(exec.writeToStdin(QByteArray("abc")), 0u);
+    std::string const err = testing::internal::GetCapturedStderr();
+    TUMessage::instance().setDebugMode(false);
+    std::string const line = "Stdio communication has not been enabled for process\n";
+    EXPECT_EQ(err, line + line + line);
+}
+
+TEST(OSW_Execute, AssignmentSharesTheRecord)
+{
+    OSW_Execute a;
+    {
+        OSW_Execute b;
+        b = a;
+        b.setDetached(true);
+        b.setWorkingDirectory(QStringLiteral("/"));
+        b.addInheritedHandle(5);
+        b.addInheritedHandle(5);
+    }
+    EXPECT_TRUE(a.detached());
+    EXPECT_EQ(a.workingDirectory(), QStringLiteral("/"));
+}
+
+TEST(OSW_Execute, ManyShortChildrenLeaveNothingBehind)
+{
+    int const before = openDescriptors();
+    {
+        OSW_Execute reused;
+        reused.enableStdioPipes(true);
+        for (int i = 0; i < 200; ++i) {
+            if (i % 2 == 0) {
+                ASSERT_EQ(reused.execm(QStringLiteral("true"), QString()), 0);
+                continue;
+            }
+            OSW_Execute exec;
+            exec.setDetached(i % 4 == 1);
+            ASSERT_EQ(exec.execm(Sh, C, QStringLiteral("exit 1")), exec.detached() ? 0 : 1);
+            ASSERT_EQ(exec.waitForProcEnd(), 1);
+        }
+        EXPECT_TRUE(noChildLeft());
+    }
+    EXPECT_EQ(openDescriptors(), before);
+}
