@@ -192,7 +192,7 @@ char const* Matrix4x4::Singularity::what() const noexcept
     return "singular matrix";
 }
 
-const Matrix4x4 Matrix4x4::Identity;
+constinit const Matrix4x4 Matrix4x4::Identity;
 double const* const Matrix4x4::_identityPattern = identityValues;
 
 Matrix4x4::Matrix4x4(Matrix2x3 const& m)

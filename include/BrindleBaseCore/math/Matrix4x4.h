@@ -37,7 +37,7 @@ public:
     static double const* const _identityPattern;
 
     // The identity, flagged.
-    Matrix4x4()
+    constexpr Matrix4x4()
         : _m{1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1}
         , _identity(true)
     {}
