@@ -71,24 +71,32 @@ std::uint32_t foldedUnit(char16_t const* start, char16_t const* unit)
     return QChar::toCaseFolded(ucs4);
 }
 
+// QChar::digitValue, without the call for ASCII.
+int digitOf(char16_t unit)
+{
+    if (unit < 0x80)
+        return unsigned(unit - u'0') < 10 ? int(unit - u'0') : -1;
+    return QChar::digitValue(unit);
+}
+
 void appendKey(Key& key, QString const& item)
 {
     auto const* units = reinterpret_cast<char16_t const*>(item.utf16());
     qsizetype size = item.size();
     qsizetype i = 0;
     while (i < size) {
-        int digit = QChar::digitValue(units[i]);
+        int digit = digitOf(units[i]);
         if (digit >= 0) {
             std::uint32_t value = 0;
             do {
                 value = value * 10 + std::uint32_t(digit); // longer runs wrap (intended)
-            } while (++i < size && (digit = QChar::digitValue(units[i])) >= 0);
+            } while (++i < size && (digit = digitOf(units[i])) >= 0);
             putNumber(key, value);
         } else {
             char16_t const* start = units + i;
             do {
                 putCode(key, foldedUnit(start, units + i) + 2);
-            } while (++i < size && QChar::digitValue(units[i]) < 0);
+            } while (++i < size && digitOf(units[i]) < 0);
             key.push_back(char(0));
         }
     }
@@ -98,11 +106,26 @@ void appendKey(Key& key, QString const& item)
         key.push_back(char((length >> shift) & 0xFF));
 }
 
+// Bytes [from, from + 8) of a key as a big-endian number, zero-padded.
+std::uint64_t keyWord(char const* key, std::size_t size, std::size_t from)
+{
+    unsigned char bytes[8] = {};
+    if (size > from)
+        std::memcpy(bytes, key + from, std::min<std::size_t>(8, size - from));
+    std::uint64_t word = 0;
+    for (unsigned char byte : bytes)
+        word = (word << 8) | byte;
+    return word;
+}
+
+// The first sixteen bytes of the key are kept in the record, so that most
+// comparisons never look at the key buffer.
 struct Record
 {
-    std::uint64_t prefix; // the key's first eight bytes, big-endian
-    std::size_t offset;   // of the rest of the key in the key buffer
-    std::uint32_t size;   // of the rest of the key
+    std::uint64_t head;
+    std::uint64_t next;
+    std::size_t offset; // of the rest of the key in the key buffer
+    std::uint32_t size; // of the rest of the key
     std::uint32_t index;
 };
 
@@ -113,28 +136,28 @@ std::vector<std::size_t> getOrder(std::vector<QString> const& items)
     std::size_t count = items.size();
     std::vector<Record> records(count);
     Key keys;
-    Key key;
+    keys.reserve(count * 24);
     for (std::size_t n = 0; n < count; ++n) {
-        key.clear();
-        appendKey(key, items[n]);
-        unsigned char head[8] = {};
-        std::size_t headSize = std::min<std::size_t>(8, key.size());
-        std::memcpy(head, key.data(), headSize);
-        std::uint64_t prefix = 0;
-        for (unsigned char byte : head)
-            prefix = (prefix << 8) | byte;
+        std::size_t start = keys.size();
+        appendKey(keys, items[n]);
+        std::size_t size = keys.size() - start;
         Record& record = records[n];
-        record.prefix = prefix;
-        record.offset = keys.size();
-        record.size = std::uint32_t(key.size() - headSize);
+        record.head = keyWord(keys.data() + start, size, 0);
+        record.next = keyWord(keys.data() + start, size, 8);
+        std::size_t inRecord = std::min<std::size_t>(16, size);
+        record.offset = start + inRecord;
+        record.size = std::uint32_t(size - inRecord);
         record.index = std::uint32_t(n);
-        keys.append(key, headSize);
     }
 
+    // A key is never a proper prefix of another, so zero padding cannot make
+    // two different keys look equal.
     char const* base = keys.data();
     std::sort(records.begin(), records.end(), [base](Record const& a, Record const& b) {
-        if (a.prefix != b.prefix)
-            return a.prefix < b.prefix;
+        if (a.head != b.head)
+            return a.head < b.head;
+        if (a.next != b.next)
+            return a.next < b.next;
         int order = std::memcmp(base + a.offset, base + b.offset, std::min(a.size, b.size));
         return order != 0 ? order < 0 : a.size < b.size;
     });

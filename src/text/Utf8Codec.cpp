@@ -26,22 +26,24 @@ bool decodeChunk(unsigned char const*& src, unsigned char const* end, char16_t*&
     while (s < end) {
 #if defined(__SSE2__)
         // Sixteen bytes at a time while they can be read and written: the
-        // ASCII prefix of the block is widened in place.
-        if (end - s >= 16 && dstEnd - d >= 16) {
+        // ASCII prefix of each block is widened in place.
+        while (end - s >= 16 && dstEnd - d >= 16) {
             __m128i block = _mm_loadu_si128(reinterpret_cast<__m128i const*>(s));
-            unsigned nonAscii = unsigned(_mm_movemask_epi8(block));
             __m128i zero = _mm_setzero_si128();
             _mm_storeu_si128(reinterpret_cast<__m128i*>(d), _mm_unpacklo_epi8(block, zero));
             _mm_storeu_si128(reinterpret_cast<__m128i*>(d + 8), _mm_unpackhi_epi8(block, zero));
-            if (nonAscii == 0) {
-                s += 16;
-                d += 16;
-                continue;
+            unsigned nonAscii = unsigned(_mm_movemask_epi8(block));
+            if (nonAscii != 0) {
+                unsigned ascii = unsigned(__builtin_ctz(nonAscii));
+                s += ascii;
+                d += ascii;
+                break;
             }
-            unsigned ascii = unsigned(__builtin_ctz(nonAscii));
-            s += ascii;
-            d += ascii;
+            s += 16;
+            d += 16;
         }
+        if (s == end)
+            break;
 #endif
         unsigned b0 = *s;
         if (b0 < 0x80) {

@@ -4,8 +4,13 @@
 
 #include <BrindleBaseCore/Global.h>
 
+// oneTBB names a member "emit", which Qt defines as a macro for applications
+// built with Qt keywords: hide the macro while the oneTBB headers are read.
+#pragma push_macro("emit")
+#undef emit
 #include <oneapi/tbb/queuing_rw_mutex.h>
 #include <oneapi/tbb/spin_rw_mutex.h>
+#pragma pop_macro("emit")
 
 #include <atomic>
 
