@@ -1,4 +1,5 @@
 // Backups, new files and lock files.
+#include <BrindleBaseCore/app/TUMessage.h>
 #include <BrindleBaseCore/files/PL_FileUtil.h>
 
 #include <QtCore/QFile>
@@ -118,10 +119,30 @@ TEST_F(FileUtilTest, CopiesShareTheLock)
     EXPECT_TRUE(other.Lock(path, ExclusiveLock, false));
 }
 
+// Keeps the reports instead of writing them.
+class CapturingChannel : public TUMessage
+{
+public:
+    CapturingChannel()
+        : TUMessage(QStringLiteral("test"), false, true)
+    {}
+    QStringList reports;
+
+protected:
+    void writeLog(char type, QString const& text, QString const&, bool) override
+    {
+        reports << QString(QLatin1Char(type)) + QLatin1Char(':') + text;
+    }
+};
+
 TEST_F(FileUtilTest, RefusedInputs)
 {
+    auto* channel = new CapturingChannel;
+    TUMessage::setInstance(channel);
     FileLocker locker;
     EXPECT_FALSE(locker.Lock(at("bad.lock"), static_cast<LockType>(2), false));
+    EXPECT_EQ(channel->reports, QStringList{"T:Invalid lock type"});
+    TUMessage::releaseInstance();
     EXPECT_FALSE(locker.Locked());
     EXPECT_FALSE(QFile::exists(at("bad.lock")));
     EXPECT_FALSE(locker.Lock(QString(), ExclusiveLock, false));
