@@ -52,4 +52,27 @@
         <translation>La communication par les flux standard n’a pas été activée pour le processus</translation>
     </message>
 </context>
+<context>
+    <name>PL_FileSpec</name>
+    <message>
+        <source>Cannot copy &quot;%1&quot; to &quot;%2&quot;: the file does not exist.</source>
+        <translation>Impossible de copier « %1 » vers « %2 » : le fichier n’existe pas.</translation>
+    </message>
+    <message>
+        <source>Cannot copy &quot;%1&quot; to &quot;%2&quot;: the target folder does not exist.</source>
+        <translation>Impossible de copier « %1 » vers « %2 » : le dossier de destination n’existe pas.</translation>
+    </message>
+    <message>
+        <source>Cannot copy &quot;%1&quot; to &quot;%2&quot;: the disk is full.</source>
+        <translation>Impossible de copier « %1 » vers « %2 » : le disque est plein.</translation>
+    </message>
+    <message>
+        <source>Cannot copy &quot;%1&quot; to &quot;%2&quot;: permission denied.</source>
+        <translation>Impossible de copier « %1 » vers « %2 » : permission refusée.</translation>
+    </message>
+    <message>
+        <source>Cannot copy &quot;%1&quot; to &quot;%2&quot;: %3.</source>
+        <translation>Impossible de copier « %1 » vers « %2 » : %3.</translation>
+    </message>
+</context>
 </TS>

@@ -1,10 +1,10 @@
 #include <BrindleBaseCore/app/BAPP_Services.h>
 #include <BrindleBaseCore/app/BAPP_SpecialFolders.h>
+#include <BrindleBaseCore/files/PL_FileSpec.h>
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDir>
 #include <QtCore/QFileInfo>
-#include <QtCore/QStandardPaths>
 
 namespace {
 
@@ -201,9 +201,11 @@ QString BAPP_SpecialFoldersImpl::userConfigPath(QString const& subPath) const
 
 QString BAPP_SpecialFoldersImpl::templateLibrary() const
 {
-    QString const documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
-    return documents + QStringLiteral("/Brindle ") + BAPP_Identity::instance().flavour() +
-           QStringLiteral(" Library");
+    PL_FileSpec documents;
+    if (documents.IFileSpec(PL_FileSpec::UserDocumentsFolder) != 0)
+        return QString();
+    return documents.GetQFilePath() + QStringLiteral("/Brindle ") +
+           BAPP_Identity::instance().flavour() + QStringLiteral(" Library");
 }
 
 void BAPP_SpecialFoldersImpl::setDatabase(QString const& folder)

@@ -63,6 +63,8 @@ TEST(Application, InstallsTheFrenchTranslations)
     EXPECT_EQ(translated("OSW_Execute", "OSW_Execute: no application to execute"),
               QStringLiteral(u"OSW_Execute : aucune application à exécuter"));
     EXPECT_EQ(translated("TULex", "Expecting number."), QStringLiteral(u"Nombre attendu."));
+    EXPECT_EQ(translated("PL_FileSpec", "Cannot copy \"%1\" to \"%2\": the disk is full."),
+              QStringLiteral(u"Impossible de copier « %1 » vers « %2 » : le disque est plein."));
     // Another context is not translated by the same catalogue.
     EXPECT_EQ(translated("Other", "Expecting number."), u"Expecting number.");
 }

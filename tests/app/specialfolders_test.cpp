@@ -159,6 +159,20 @@ TEST_F(SpecialFolders, PublishedPropertiesInTheirOrder)
                                   "database", "templateLibrary"}));
 }
 
+TEST_F(SpecialFolders, TemplateLibraryIsNamedAfterTheFlavour)
+{
+    struct Studio : BAPP_Identity
+    {
+        QString flavour() const override { return QStringLiteral("Studio"); }
+    };
+    BAPP_SpecialFoldersImpl folders;
+    EXPECT_TRUE(folders.templateLibrary().endsWith(u"/Brindle  Library"));
+    BAPP_Identity::setInstance(new Studio);
+    EXPECT_TRUE(
+        folders.property("templateLibrary").toString().endsWith(u"/Brindle Studio Library"));
+    BAPP_Identity::setInstance(nullptr);
+}
+
 TEST_F(SpecialFolders, TheSharedFoldersAreMadeOnce)
 {
     make({"win64/bin"});

@@ -1,0 +1,128 @@
+// The action log against a plain write(2) of the same line, and the cost of
+// application start-up.
+//
+// Target: UT_LogIO::logAction (time stamp, indent, UTF-8, one unbuffered write
+// per line) reaches at least 0.8x the lines per second of write(2) of the
+// finished line.
+#include <BrindleBaseCore/app/BAPP_Application.h>
+#include <BrindleBaseCore/app/BAPP_SpecialFolders.h>
+#include <BrindleBaseCore/app/UT_Log.h>
+
+#include <QtCore/QElapsedTimer>
+#include <QtCore/QTemporaryDir>
+
+#include <benchmark/benchmark.h>
+
+#include <cstdio>
+#include <fcntl.h>
+#include <map>
+#include <unistd.h>
+
+namespace {
+
+QTemporaryDir* g_dir = nullptr;
+char g_program[] = "bench_app_log";
+QString const g_action = QStringLiteral("Open /projects/scene_042/layout.xml");
+
+void logAction(benchmark::State& state)
+{
+    UT_LogIO::create(g_dir->path() + "/ours");
+    for (auto _ : state)
+        benchmark::DoNotOptimize(UT_LogIO::logAction(g_action));
+    state.SetItemsProcessed(state.iterations());
+    UT_LogIO::close();
+}
+
+void plainWrite(benchmark::State& state)
+{
+    QByteArray const line = "2026-01-01 12:00:00;ACTION;" + g_action.toUtf8() + "\n";
+    QByteArray const path = QFile::encodeName(g_dir->path() + "/plain.log");
+    int fd = ::open(path.constData(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
+    for (auto _ : state)
+        benchmark::DoNotOptimize(::write(fd, line.constData(), size_t(line.size())));
+    state.SetItemsProcessed(state.iterations());
+    ::close(fd);
+}
+
+// Construction and destruction of the application object: arguments, the
+// French translators, main thread, plug-in path (the folders are computed by
+// the first start-up only).
+void startUp(benchmark::State& state)
+{
+    for (auto _ : state) {
+        char lang[] = "-lang", fr[] = "fr", noLogo[] = "-nologo";
+        char* argv[] = {g_program, lang, fr, noLogo, nullptr};
+        int argc = 4;
+        BAPP_Arguments arguments = BAPP_Application::parseArguments(argc, argv);
+        BAPP_CoreApplication app(argc, argv, arguments);
+        benchmark::DoNotOptimize(app.translators().size());
+    }
+}
+
+void specialFolders(benchmark::State& state)
+{
+    QString const program = QFile::symLinkTarget(QStringLiteral("/proc/self/exe"));
+    for (auto _ : state) {
+        BAPP_SpecialFoldersImpl folders(program, true);
+        benchmark::DoNotOptimize(folders.lang());
+    }
+}
+
+class Collector : public benchmark::ConsoleReporter
+{
+public:
+    void ReportRuns(std::vector<Run> const& runs) override
+    {
+        for (Run const& run : runs) {
+            auto it = run.counters.find("items_per_second");
+            if (it != run.counters.end())
+                rates[run.benchmark_name()] = it->second;
+        }
+        ConsoleReporter::ReportRuns(runs);
+    }
+    std::map<std::string, double> rates;
+};
+
+} // namespace
+
+BENCHMARK(logAction)->MinTime(1.0);
+BENCHMARK(plainWrite)->MinTime(1.0);
+BENCHMARK(startUp)->Unit(benchmark::kMicrosecond);
+BENCHMARK(specialFolders)->Unit(benchmark::kMicrosecond);
+
+int main(int argc, char** argv)
+{
+    QTemporaryDir dir;
+    g_dir = &dir;
+
+    // The first start-up of the process also computes the special folders.
+    QElapsedTimer timer;
+    timer.start();
+    {
+        char lang[] = "-lang", fr[] = "fr", noLogo[] = "-nologo";
+        char* startArgv[] = {g_program, lang, fr, noLogo, nullptr};
+        int startArgc = 4;
+        BAPP_Arguments arguments = BAPP_Application::parseArguments(startArgc, startArgv);
+        BAPP_CoreApplication app(startArgc, startArgv, arguments);
+        std::printf(
+            "first start-up of BAPP_CoreApplication (-lang fr): %.1f us, %zu translator(s)\n",
+            double(timer.nsecsElapsed()) / 1000.0, app.translators().size());
+    }
+
+    benchmark::Initialize(&argc, argv);
+    Collector collector;
+    benchmark::RunSpecifiedBenchmarks(&collector);
+    double ours = 0, peer = 0;
+    for (auto const& [name, rate] : collector.rates) {
+        if (name.rfind("logAction", 0) == 0)
+            ours = rate;
+        else if (name.rfind("plainWrite", 0) == 0)
+            peer = rate;
+    }
+    if (ours > 0 && peer > 0)
+        std::printf("logAction: %.0f lines/s, write(2): %.0f lines/s, ratio ours/peer %.2f "
+                    "(target >= 0.80: %s)\n",
+                    ours, peer, ours / peer, ours / peer >= 0.8 ? "pass" : "FAIL");
+    benchmark::Shutdown();
+    return 0;
+}

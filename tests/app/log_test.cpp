@@ -1,0 +1,181 @@
+// The action log: file naming, the line formats, scopes and pauses.
+#include <BrindleBaseCore/app/BAPP_Services.h>
+#include <BrindleBaseCore/app/UT_Log.h>
+#include <BrindleBaseCore/app/UT_Tracking.h>
+
+#include <QtCore/QDir>
+#include <QtCore/QFile>
+#include <QtCore/QRegularExpression>
+#include <QtCore/QSysInfo>
+#include <QtCore/QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+struct RecordingTracker : UT_Tracking
+{
+    int trackAction(QString const& action) override
+    {
+        actions << action;
+        return 0;
+    }
+    void trackCrash(std::string const&, UT_Tracking::StackTrace const&, bool) override {}
+    QStringList actions;
+};
+
+QByteArray contents(QString const& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+// The lines after the header, with the time stamp replaced by "T".
+QStringList bodyLines(QString const& path)
+{
+    static QRegularExpression const time(
+        QStringLiteral("^( *)\\d{4}-\\d\\d-\\d\\d \\d\\d:\\d\\d:\\d\\d"));
+    QStringList lines = QString::fromUtf8(contents(path)).split(QLatin1Char('\n'));
+    lines.removeFirst();
+    lines.removeLast(); // after the last line feed
+    for (QString& line : lines) {
+        EXPECT_TRUE(time.match(line).hasMatch()) << line.toStdString();
+        line.replace(time, QStringLiteral("\\1T"));
+    }
+    return lines;
+}
+
+class Log : public ::testing::Test
+{
+protected:
+    void SetUp() override { ASSERT_TRUE(log.create(dir.path())); }
+    QTemporaryDir dir;
+    UT_Log log;
+};
+
+} // namespace
+
+TEST_F(Log, NamesTheFileAndWritesTheHeader)
+{
+    QString const name = QFileInfo(log.fileName()).fileName();
+    QString const host = QSysInfo::machineHostName().section('.', 0, 0);
+    EXPECT_TRUE(QRegularExpression(QStringLiteral("^\\d{8}-\\d{6}_%1_.+\\.log$").arg(host))
+                    .match(name)
+                    .hasMatch())
+        << name.toStdString();
+    EXPECT_EQ(UT_LogIO::buildLogFileName(false).size() + 4,
+              UT_LogIO::buildLogFileName(true).size());
+    EXPECT_EQ(contents(log.fileName()), "\xEF\xBB\xBF"
+                                        "Log file produced by: " +
+                                            BAPP_Identity::instance().fullVersionText().toUtf8() +
+                                            "\n");
+}
+
+TEST_F(Log, TheTwoOperationFormsDifferOnPurpose)
+{
+    EXPECT_TRUE(log.logAction(QStringLiteral(u"Open «scène».xml")));
+    EXPECT_TRUE(log.add(QStringLiteral("Copy"), QStringLiteral("/a"), QStringLiteral("/b"), false));
+    EXPECT_TRUE(
+        log.add(UT_Log::eFileOperation::Copy, QStringLiteral("/a"), QStringLiteral("/b"), false));
+    EXPECT_TRUE(log.add(QStringLiteral("Save"), UT_String(u"/c"), true));
+    EXPECT_TRUE(log.add(UT_Log::eFileOperation::Delete, UT_String(u"/c"), true));
+    EXPECT_TRUE(log.add(static_cast<UT_Log::eFileOperation>(9), QStringLiteral("/d"), true));
+    log.setIndent(-3);
+    EXPECT_EQ(log.indent(), 0);
+    log.setIndent(3);
+    EXPECT_TRUE(log.logAction(QStringLiteral("in")));
+    EXPECT_EQ(
+        bodyLines(log.fileName()),
+        QStringList({QStringLiteral(u"T;ACTION;Open «scène».xml"), "T;Copy;/a;/b;===> FAIL <===",
+                     "T;Copy;/a;/b ===> FAIL <==== ", "T;Save;/c;;SUCCESS", "T;Delete;/c; OK ",
+                     "T;Unknown;/d; OK ", "   T;ACTION;in"}));
+}
+
+TEST_F(Log, ClosedLogsWriteNothing)
+{
+    EXPECT_FALSE(log.reopen()); // already open
+    EXPECT_TRUE(log.close());
+    EXPECT_FALSE(log.close());
+    EXPECT_FALSE(log.logAction(QStringLiteral("lost")));
+    EXPECT_FALSE(log.add(QStringLiteral("Copy"), QStringLiteral("/a"), true));
+    EXPECT_TRUE(log.reopen());
+    EXPECT_TRUE(log.logAction(QStringLiteral("kept")));
+    EXPECT_EQ(bodyLines(log.fileName()), QStringList({"T;ACTION;kept"}));
+
+    UT_Log never;
+    EXPECT_FALSE(never.reopen());
+    EXPECT_FALSE(never.copyLog(dir.path(), QStringLiteral("_x")));
+}
+
+TEST_F(Log, CreateFailsWhereNoFolderCanBeMade)
+{
+    UT_Log other;
+    EXPECT_FALSE(other.create(dir.path() + "/missing/deeper"));
+    QFile blocker(dir.path() + "/file");
+    ASSERT_TRUE(blocker.open(QIODevice::WriteOnly));
+    blocker.close();
+    EXPECT_FALSE(other.create(blocker.fileName()));
+    EXPECT_FALSE(other.isOpen());
+    // One missing level is made.
+    EXPECT_TRUE(other.create(dir.path() + "/logs"));
+    EXPECT_TRUE(other.fileName().startsWith(dir.path() + "/logs/"));
+}
+
+TEST_F(Log, CopyLogReplacesAnEarlierCopy)
+{
+    QString const copy =
+        dir.path() + "/copies/" + QFileInfo(log.fileName()).completeBaseName() + "_crash.log";
+    ASSERT_TRUE(QDir().mkpath(dir.path() + "/copies"));
+    EXPECT_TRUE(log.copyLog(dir.path() + "/copies", QStringLiteral("_crash")));
+    log.logAction(QStringLiteral("more"));
+    EXPECT_TRUE(log.copyLog(dir.path() + "/copies", QStringLiteral("_crash")));
+    EXPECT_EQ(contents(copy), contents(log.fileName()));
+    EXPECT_FALSE(log.copyLog(dir.path() + "/no/such", QStringLiteral("_crash")));
+}
+
+TEST(LogIO, CreateMsgKeepsTheFileNameOnly)
+{
+    EXPECT_EQ(UT_LogIO::createMsg("x", "a/b/c", 12), u"x (c,12)");
+    EXPECT_EQ(UT_LogIO::createMsg("y", "dir\\file.cpp", 3), u"y (file.cpp,3)");
+    EXPECT_EQ(UT_LogIO::createMsg("z", "a\\b/c.cpp", -1), u"z (c.cpp,-1)");
+}
+
+TEST(LogIO, SharedLogWithScopesPausesAndTheTracker)
+{
+    auto* tracker = new RecordingTracker;
+    UT_Tracking::setInstance(tracker);
+    QTemporaryDir dir;
+
+    // Without a shared log nothing is written, but actions still reach the tracker.
+    EXPECT_FALSE(UT_LogIO::logAction(QStringLiteral("early")));
+    EXPECT_FALSE(UT_LogIO::add(UT_Log::eFileOperation::Copy, QStringLiteral("/a"), true));
+    EXPECT_FALSE(UT_LogIO::pause());
+    {
+        UT_LogIO::Scope ignored(QStringLiteral("nothing"));
+    }
+
+    ASSERT_TRUE(UT_LogIO::create(dir.path()));
+    QString const file = UT_LogIO::sharedLog()->fileName();
+    {
+        UT_LogIO::Scope outer(QStringLiteral("Render"));
+        {
+            UT_LogIO::Scope inner(QStringLiteral("Frame"));
+            EXPECT_TRUE(UT_LogIO::add(QStringLiteral("Write"), QStringLiteral("/f"), true));
+            EXPECT_TRUE(UT_LogIO::pause());
+            EXPECT_FALSE(UT_LogIO::isOpen());
+            EXPECT_FALSE(UT_LogIO::logAction(QStringLiteral("while paused")));
+            EXPECT_TRUE(UT_LogIO::resume());
+            EXPECT_FALSE(UT_LogIO::resume());
+            UT_LogIO::sharedLog()->setIndent(0);
+        }
+        EXPECT_EQ(UT_LogIO::sharedLog()->indent(), 0);
+    }
+    EXPECT_TRUE(UT_LogIO::close());
+    EXPECT_FALSE(UT_LogIO::close());
+    EXPECT_EQ(bodyLines(file), QStringList({"T;ACTION;Start Render", "  T;ACTION;Start Frame",
+                                            "    T;Write;/f;;SUCCESS", "T;ACTION;End Frame",
+                                            "T;ACTION;End Render"}));
+    EXPECT_EQ(tracker->actions, QStringList({"early", "Start Render", "Start Frame", "while paused",
+                                             "End Frame", "End Render"}));
+    UT_Tracking::deleteInstance();
+}
