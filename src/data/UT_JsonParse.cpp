@@ -2,13 +2,21 @@
 // objects on an explicit stack, so nesting costs heap, not call stack.
 #include <BrindleBaseCore/data/UT_Json.h>
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
+#include <cstring>
+#include <iterator>
 #include <limits>
 #include <map>
 #include <string>
+#include <string_view>
 #include <vector>
+
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
 
 namespace {
 
@@ -21,6 +29,17 @@ bool isNumberChar(char16_t c)
 {
     return (c >= u'0' && c <= u'9') || c == u'+' || c == u'-' || c == u'.' || c == u'e' ||
            c == u'E';
+}
+
+// The character a one-letter escape stands for; 0 for any other letter.
+char16_t unescaped(char16_t c)
+{
+    static constexpr char16_t pairs[] = u"\"\"\\\\//b\bf\fn\nr\rt\t";
+    for (std::size_t i = 0; pairs[i]; i += 2) {
+        if (pairs[i] == c)
+            return pairs[i + 1];
+    }
+    return 0;
 }
 
 int hexValue(char16_t c)
@@ -79,6 +98,38 @@ QVariant numberValue(char const* p, char const* end)
     return QVariant(QString::fromLatin1(p, end - p));
 }
 
+// Short strings (keys above all) repeat a lot: the parser hands out shared
+// copies of the strings it has made, which costs no allocation.
+class StringCache
+{
+public:
+    QString get(char16_t const* text, qsizetype size)
+    {
+        // Small documents do not pay for the cache.
+        if (size > kMaxLength || ++m_seen < kWarmUp)
+            return QString(reinterpret_cast<QChar const*>(text), size);
+        if (m_slots.empty())
+            m_slots.resize(kSlots);
+        quint32 hash = quint32(size) * 0x9E3779B1u;
+        if (size > 0)
+            hash ^= (text[0] * 0x85EBCA6Bu) ^ (text[size - 1] * 0xC2B2AE35u) ^
+                    (text[size / 2] * 0x27D4EB2Fu);
+        QString& slot = m_slots[(hash ^ (hash >> 15)) & (kSlots - 1)];
+        if (slot.size() != size ||
+            std::char_traits<char16_t>::compare(reinterpret_cast<char16_t const*>(slot.constData()),
+                                                text, std::size_t(size)) != 0)
+            slot = QString(reinterpret_cast<QChar const*>(text), size);
+        return slot;
+    }
+
+private:
+    static constexpr qsizetype kMaxLength = 24;
+    static constexpr std::size_t kSlots = 1024;
+    static constexpr std::size_t kWarmUp = 64;
+    std::vector<QString> m_slots;
+    std::size_t m_seen = 0;
+};
+
 class Parser
 {
 public:
@@ -92,15 +143,13 @@ public:
     qsizetype position() const { return m_p - m_begin; }
 
 private:
+    // An open array or object: its elements are the values (and, for an
+    // object, the keys) pushed since `first`.
     struct Frame
     {
-        explicit Frame(bool object)
-            : isObject(object)
-        {}
         bool isObject;
-        QVariantList list;
-        std::map<QString, QVariant> map;
-        QString key;
+        std::size_t firstValue;
+        std::size_t firstKey;
     };
 
     // Skips blanks; the next character, or 0 at the end of the text.
@@ -117,26 +166,51 @@ private:
         m_p += size;
         return true;
     }
-    bool scalar(char16_t c, QVariant& value);
+    // The scalar parsers push their value on m_values.
+    bool scalar(char16_t c);
+    bool fastDecimal(bool negative, quint64 integer, char16_t const* point);
     bool string(QString& out);
-    void number(QVariant& value);
+    void number();
+    QVariant close(Frame const& frame);
 
     char16_t const* m_begin;
     char16_t const* m_p;
     char16_t const* m_end;
-    std::vector<Frame> m_stack;
+    std::vector<Frame> m_frames;
+    std::vector<QVariant> m_values;
+    std::vector<QString> m_keys;
+    std::vector<quint32> m_order;
+    StringCache m_strings;
 };
+
+// The first double quote or backslash at or after p, or end.
+char16_t const* findQuoteOrBackslash(char16_t const* p, char16_t const* end)
+{
+#ifdef __SSE2__
+    __m128i const quote = _mm_set1_epi16('"');
+    __m128i const backslash = _mm_set1_epi16('\\');
+    for (; end - p >= 8; p += 8) {
+        __m128i const units = _mm_loadu_si128(reinterpret_cast<__m128i const*>(p));
+        int const mask = _mm_movemask_epi8(
+            _mm_or_si128(_mm_cmpeq_epi16(units, quote), _mm_cmpeq_epi16(units, backslash)));
+        if (mask)
+            return p + __builtin_ctz(unsigned(mask)) / 2;
+    }
+#endif
+    while (p != end && *p != u'"' && *p != u'\\')
+        ++p;
+    return p;
+}
 
 bool Parser::string(QString& out)
 {
     ++m_p; // opening quote
     char16_t const* start = m_p;
-    while (m_p != m_end && *m_p != u'"' && *m_p != u'\\')
-        ++m_p;
+    m_p = findQuoteOrBackslash(m_p, m_end);
     if (m_p == m_end)
         return false;
     if (*m_p == u'"') {
-        out = QString(reinterpret_cast<QChar const*>(start), m_p - start);
+        out = m_strings.get(start, m_p - start);
         ++m_p;
         return true;
     }
@@ -153,50 +227,78 @@ bool Parser::string(QString& out)
         }
         if (m_p == m_end)
             return false;
-        switch (c = *m_p++) {
-        case u'"':
-        case u'\\':
-        case u'/':
-            text.push_back(c);
-            break;
-        case u'b':
-            text.push_back(u'\b');
-            break;
-        case u'f':
-            text.push_back(u'\f');
-            break;
-        case u'n':
-            text.push_back(u'\n');
-            break;
-        case u'r':
-            text.push_back(u'\r');
-            break;
-        case u't':
-            text.push_back(u'\t');
-            break;
-        case u'u': {
-            if (m_end - m_p < 4)
-                return false;
-            unsigned unit = 0;
-            for (int i = 0; i < 4; ++i) {
-                int const digit = hexValue(*m_p++);
-                if (digit < 0)
-                    return false;
-                unit = unit * 16 + unsigned(digit);
-            }
-            text.push_back(char16_t(unit));
-            break;
+        c = *m_p++;
+        if (char16_t const plain = unescaped(c)) {
+            text.push_back(plain);
+            continue;
         }
-        default:
+        if (c != u'u' || m_end - m_p < 4)
             return false;
+        unsigned unit = 0;
+        for (int i = 0; i < 4; ++i) {
+            int const digit = hexValue(*m_p++);
+            if (digit < 0)
+                return false;
+            unit = unit * 16 + unsigned(digit);
         }
+        text.push_back(char16_t(unit));
     }
     return false;
 }
 
-void Parser::number(QVariant& value)
+// "digits.digits" with at most 15 digits in all: both the digits and the power
+// of ten are exact doubles, so one division gives the correctly rounded value,
+// the same as the general conversion.
+bool Parser::fastDecimal(bool negative, quint64 integer, char16_t const* point)
+{
+    static constexpr double powers[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                        1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+    if (integer >= 1000000000000000ull) // more than 15 digits before the point
+        return false;
+    int digits = 0;
+    for (quint64 v = integer; v; v /= 10)
+        ++digits;
+    char16_t const* p = point + 1;
+    quint64 mantissa = integer;
+    int scale = 0;
+    for (; p != m_end && char16_t(*p - u'0') < 10; ++p, ++scale) {
+        if (++digits > 15)
+            return false;
+        mantissa = mantissa * 10 + unsigned(*p - u'0');
+    }
+    if (scale == 0 || (p != m_end && isNumberChar(*p)))
+        return false;
+    double const d = double(mantissa) / powers[scale];
+    m_values.emplace_back(negative ? -d : d);
+    m_p = p;
+    return true;
+}
+
+void Parser::number()
 {
     char16_t const* start = m_p;
+    // Fast path: up to 18 digits, optionally after '-', ending the run.
+    bool const negative = *m_p == u'-';
+    char16_t const* digits = m_p + negative;
+    char16_t const* p = digits;
+    quint64 v = 0;
+    for (; p != m_end && p - digits < 18 && char16_t(*p - u'0') < 10; ++p)
+        v = v * 10 + unsigned(*p - u'0');
+    if (p != digits && p != m_end && *p == u'.' && fastDecimal(negative, v, p))
+        return;
+    if (p != digits && (p == m_end || !isNumberChar(*p))) {
+        m_p = p;
+        if (negative)
+            if (v <= 2147483648u)
+                m_values.emplace_back(int(-qint64(v)));
+            else
+                m_values.emplace_back(-qint64(v));
+        else if (v <= 0xFFFFFFFFu)
+            m_values.emplace_back(quint32(v));
+        else
+            m_values.emplace_back(qulonglong(v));
+        return;
+    }
     while (m_p != m_end && isNumberChar(*m_p))
         ++m_p;
     qsizetype const size = m_p - start;
@@ -209,87 +311,114 @@ void Parser::number(QVariant& value)
     }
     for (qsizetype i = 0; i < size; ++i)
         bytes[i] = char(start[i]);
-    value = numberValue(bytes, bytes + size);
+    m_values.push_back(numberValue(bytes, bytes + size));
 }
 
-bool Parser::scalar(char16_t c, QVariant& value)
+bool Parser::scalar(char16_t c)
 {
     switch (c) {
     case u'"': {
         QString text;
         if (!string(text))
             return false;
-        value = QVariant(std::move(text));
+        m_values.emplace_back(std::move(text));
         return true;
     }
     case u't':
-        value = QVariant(true);
+        m_values.emplace_back(true);
         return literal(u"true", 4);
     case u'f':
-        value = QVariant(false);
+        m_values.emplace_back(false);
         return literal(u"false", 5);
     case u'n':
-        value = QVariant();
+        m_values.emplace_back();
         return literal(u"null", 4);
     default:
         if (c == u'-' || (c >= u'0' && c <= u'9')) {
-            number(value);
+            number();
             return true;
         }
         return false;
     }
 }
 
+QVariant Parser::close(Frame const& frame)
+{
+    auto const first = m_values.begin() + std::ptrdiff_t(frame.firstValue);
+    if (!frame.isObject) {
+        QVariantList list(m_values.end() - first);
+        std::move(first, m_values.end(), list.begin());
+        m_values.erase(first, m_values.end());
+        return QVariant(list);
+    }
+    // Members sorted by key (stably, so the last of equal keys is last) go
+    // into the map at its end, one comparison each.
+    QString* const keys = m_keys.data() + frame.firstKey;
+    std::size_t const count = m_keys.size() - frame.firstKey;
+    m_order.resize(count);
+    for (std::size_t i = 0; i < count; ++i)
+        m_order[i] = quint32(i);
+    auto view = [keys](quint32 i) {
+        return std::u16string_view(reinterpret_cast<char16_t const*>(keys[i].constData()),
+                                   std::size_t(keys[i].size()));
+    };
+    // Objects are small: a stable insertion sort, without allocation.
+    for (std::size_t i = 1; i < count; ++i) {
+        quint32 const k = m_order[i];
+        std::size_t j = i;
+        for (; j > 0 && view(k) < view(m_order[j - 1]); --j)
+            m_order[j] = m_order[j - 1];
+        m_order[j] = k;
+    }
+    std::map<QString, QVariant> map;
+    for (std::size_t i = 0; i < count; ++i) {
+        quint32 const k = m_order[i];
+        if (i + 1 < count && view(m_order[i + 1]) == view(k))
+            continue; // a later equal key wins
+        map.emplace_hint(map.end(), std::move(keys[k]), std::move(first[std::ptrdiff_t(k)]));
+    }
+    m_values.erase(first, m_values.end());
+    m_keys.resize(frame.firstKey);
+    return QVariant(QVariantMap(std::move(map)));
+}
+
 QVariant Parser::run(bool& ok)
 {
-    QVariant value;
     ok = false;
     for (;;) {
         // A value starts here.
         char16_t c = peek();
         if (c == u'{' || c == u'[') {
-            if (m_stack.size() >= std::size_t(UT_Json::maxDepth()))
+            if (m_frames.size() >= std::size_t(UT_Json::maxDepth()))
                 return {};
             ++m_p;
-            m_stack.emplace_back(c == u'{');
-        } else if (!scalar(c, value)) {
+            m_frames.push_back({c == u'{', m_values.size(), m_keys.size()});
+        } else if (!scalar(c)) {
             return {};
-        } else if (m_stack.empty()) {
+        } else if (m_frames.empty()) {
             ok = true;
-            return value;
-        } else {
-            Frame& top = m_stack.back();
-            if (top.isObject)
-                top.map.insert_or_assign(top.map.end(), std::move(top.key), std::move(value));
-            else
-                top.list.append(std::move(value));
+            return std::move(m_values.back());
         }
         // Close finished containers until the next value of an open one.
         for (;;) {
-            Frame& top = m_stack.back();
+            Frame const top = m_frames.back();
             while ((c = peek()) == u',')
                 ++m_p;
             if (c == (top.isObject ? u'}' : u']')) {
                 ++m_p;
-                value = top.isObject ? QVariant(QVariantMap(std::move(top.map)))
-                                     : QVariant(std::move(top.list));
-                m_stack.pop_back();
-                if (m_stack.empty()) {
+                m_frames.pop_back();
+                if (m_frames.empty()) {
                     ok = true;
-                    return value;
+                    return close(top);
                 }
-                Frame& parent = m_stack.back();
-                if (parent.isObject)
-                    parent.map.insert_or_assign(parent.map.end(), std::move(parent.key),
-                                                std::move(value));
-                else
-                    parent.list.append(std::move(value));
+                m_values.push_back(close(top));
                 continue;
             }
             if (c == 0)
                 return {};
             if (top.isObject) {
-                if (c != u'"' || !string(top.key) || peek() != u':')
+                m_keys.emplace_back();
+                if (c != u'"' || !string(m_keys.back()) || peek() != u':')
                     return {};
                 ++m_p;
             }

@@ -36,8 +36,6 @@ public:
             m_out.resize(std::max(m_out.size() * 2, m_size + extra));
         return m_out.data() + m_size;
     }
-    void advance(qsizetype n) { m_size += n; }
-    void put(char c) { *reserve(1) = c, ++m_size; }
     void put(char const* text, qsizetype n)
     {
         std::memcpy(reserve(n), text, std::size_t(n));

@@ -7,6 +7,8 @@
 
 #include <cmath>
 #include <limits>
+#include <random>
+#include <string>
 
 namespace {
 
@@ -97,6 +99,21 @@ TEST(UT_JsonParse, NumberTypes)
     EXPECT_EQ(parsed(u"1.2.3"_qs).toDouble(), 0.0); // malformed with a point: 0
     EXPECT_TRUE(std::isinf(parsed(u"1.0e999"_qs).toDouble()));
 
+    // Short decimals take a shortcut that must round exactly as strtod does.
+    std::mt19937_64 random(99);
+    for (int i = 0; i < 20000; ++i) {
+        int const intDigits = 1 + int(random() % 16), fracDigits = 1 + int(random() % 17);
+        std::string text = (random() & 1) ? "-" : "";
+        for (int d = 0; d < intDigits; ++d)
+            text += char('0' + random() % 10);
+        text += '.';
+        for (int d = 0; d < fracDigits; ++d)
+            text += char('0' + random() % 10);
+        ASSERT_EQ(parsed(QString::fromStdString(text)).toDouble(),
+                  std::strtod(text.c_str(), nullptr))
+            << text;
+    }
+
     QString const digits(10000, u'7');
     EXPECT_EQ(parsed(digits), QVariant(digits));
     EXPECT_GT(parsed(digits + u".5"_qs).toDouble(), 1e300);
@@ -108,6 +125,15 @@ TEST(UT_JsonParse, Strings)
     EXPECT_EQ(parsed(u"\"\\u00e9\\uD83D\\ude00\""_qs).toString(), u"é😀"_qs);
     EXPECT_EQ(parsed(u"\"\\uDC00\""_qs).toString(), QString(QChar(0xDC00))); // code unit as given
     EXPECT_EQ(parsed(u"\"raw\ttab\""_qs).toString(), u"raw\ttab"_qs);
+
+    // Many short strings, repeated and colliding: each must come back as written.
+    QStringList words;
+    QString text = u"["_qs;
+    for (int i = 0; i < 5000; ++i) {
+        words << QString::number(i % 1500, 36).repeated(1 + i % 5);
+        text += u"\""_qs + words.last() + u"\","_qs;
+    }
+    EXPECT_EQ(parsed(text + u"]"_qs), QVariant(words).toList());
 
     for (char16_t const* bad : {u"\"abc", u"\"\\u12\"", u"\"\\u12", u"\"\\uzzzz\"", u"\"\\x\"",
                                 u"\"\\", u"[\"a\" \"b", u"{\"a\" 1}", u"{1 : 2}", u"{\"a\":}"})
