@@ -31,7 +31,9 @@ void TUSema::acquire()
 {
     QMutexLocker locker(&m_mutex);
     while (m_count == 0) {
-        QWaitCondition woken;
+        // A thread waits on one semaphore at a time, so one condition per thread
+        // serves all of them.
+        thread_local QWaitCondition woken;
         m_waiters.push_back(&woken);
         // A wake-up is only sent after the waiter has been taken off the queue;
         // while it is still queued the return was spurious and it waits again.

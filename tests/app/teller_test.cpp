@@ -150,18 +150,12 @@ TEST(Teller, CopiesAreShallow)
     Announcer original;
     plain.phone(&original);
     {
-        Announcer copy(original);
+        Announcer copy;
+        copy = original;
         copy.tell();
         EXPECT_EQ(journal, std::vector<std::string>{"p"});
         plain.hangUp(&copy);
-        Announcer assigned;
-        assigned = original;
-        assigned.tell();
-        EXPECT_EQ(journal.size(), 2u);
-        plain.hangUp(&assigned);
     }
-    EXPECT_EQ(journal.size(), 2u);
-
     // A copied auto listener knows the tellers but is not registered with them.
     Auto automatic("a", journal);
     automatic.phone(&original);
@@ -169,9 +163,6 @@ TEST(Teller, CopiesAreShallow)
     journal.clear();
     original.tell();
     EXPECT_EQ(journal.size(), 2u) << "p and a, not the twin";
-    twin.hangUpAll(); // removes nothing that is not there
-    original.tell();
-    EXPECT_EQ(journal.size(), 4u);
     plain.hangUp(&original);
 }
 

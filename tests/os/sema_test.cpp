@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <QtCore/QFile>
-#include <QtCore/QString>
 
 #include <algorithm>
 #include <atomic>
@@ -18,20 +17,8 @@ namespace {
 
 using namespace std::chrono_literals;
 
-TEST(Sema, CountsUnitsWithoutWaiters)
-{
-    TUSema sema(2);
-    EXPECT_TRUE(sema.tryAcquire());
-    EXPECT_TRUE(sema.tryAcquire());
-    EXPECT_FALSE(sema.tryAcquire());
-    sema.release(5); // nobody waits: all five stay in the count
-    for (int i = 0; i < 5; ++i)
-        EXPECT_TRUE(sema.tryAcquire());
-    EXPECT_FALSE(sema.tryAcquire());
-}
-
-// Starts waiters one after the other, each certainly queued before the next
-// begins, and records the order in which they come out of acquire().
+// Waiters started one after the other, each asleep in acquire() before the next
+// starts; `order` records in which order they came out.
 struct Waiters
 {
     TUSema sema;
@@ -39,7 +26,7 @@ struct Waiters
     std::vector<int> order;
     std::vector<std::thread> threads;
 
-    void start(int count)
+    explicit Waiters(int count)
     {
         for (int i = 0; i < count; ++i) {
             std::atomic<pid_t> tid{0};
@@ -54,80 +41,68 @@ struct Waiters
             waitUntilAsleep(tid.load());
         }
     }
-    // Waits until the thread sleeps, which it only does inside acquire().
     static void waitUntilAsleep(pid_t tid)
     {
-        QString const stat = QStringLiteral("/proc/self/task/%1/stat").arg(tid);
+        QFile stat(QStringLiteral("/proc/self/task/%1/stat").arg(tid));
         for (int i = 0; i < 2000; ++i) {
-            QFile file(stat);
-            if (file.open(QIODevice::ReadOnly)) {
-                QByteArray const text = file.readAll();
-                qsizetype const paren = text.lastIndexOf(')');
-                if (paren > 0 && text.mid(paren + 2, 1) == "S")
-                    return;
-            }
+            stat.open(QIODevice::ReadOnly);
+            QByteArray const text = stat.readAll();
+            stat.close();
+            if (text.mid(text.lastIndexOf(')') + 2, 1) == "S")
+                return;
             std::this_thread::sleep_for(1ms);
         }
     }
-    size_t done()
+    size_t done(size_t waitFor = 0)
     {
-        std::lock_guard lock(mutex);
+        for (int i = 0; i < 500; ++i) {
+            {
+                std::lock_guard lock(mutex);
+                if (order.size() >= waitFor)
+                    return order.size();
+            }
+            std::this_thread::sleep_for(2ms);
+        }
         return order.size();
     }
-    void waitFor(size_t count)
-    {
-        for (int i = 0; i < 500 && done() < count; ++i)
-            std::this_thread::sleep_for(2ms);
-    }
-    void join()
+    ~Waiters()
     {
         for (auto& t : threads)
             t.join();
     }
 };
 
+TEST(Sema, CountsUnitsWithoutWaiters)
+{
+    TUSema sema(2);
+    EXPECT_TRUE(sema.tryAcquire());
+    EXPECT_TRUE(sema.tryAcquire());
+    EXPECT_FALSE(sema.tryAcquire());
+    sema.release(5); // nobody waits: all five stay in the count
+    for (int i = 0; i < 5; ++i)
+        EXPECT_TRUE(sema.tryAcquire());
+    EXPECT_FALSE(sema.tryAcquire());
+}
+
 TEST(Sema, WakesInArrivalOrder)
 {
-    Waiters w;
-    w.start(4);
+    Waiters w(5);
     for (size_t i = 1; i <= 2; ++i) {
         w.sema.release();
-        w.waitFor(i);
-        ASSERT_EQ(w.done(), i);
+        ASSERT_EQ(w.done(i), i);
     }
     EXPECT_EQ(w.order, (std::vector<int>{0, 1}));
-    // Two units at once go to the next two (they may finish in either order).
+    // Two units go to the next two (they may finish in either order); the last waits.
     w.sema.release(2);
-    w.join();
+    ASSERT_EQ(w.done(4), 4u);
+    std::this_thread::sleep_for(20ms);
+    EXPECT_EQ(w.done(), 4u);
     std::sort(w.order.begin() + 2, w.order.end());
     EXPECT_EQ(w.order, (std::vector<int>{0, 1, 2, 3}));
-    EXPECT_FALSE(w.sema.tryAcquire());
-}
-
-TEST(Sema, ReleaseOfTwoLeavesTheThirdWaiting)
-{
-    Waiters w;
-    w.start(3);
-    w.sema.release(2);
-    w.waitFor(2);
-    std::this_thread::sleep_for(20ms);
-    ASSERT_EQ(w.done(), 2u);
-    std::sort(w.order.begin(), w.order.end());
-    EXPECT_EQ(w.order, (std::vector<int>{0, 1}));
-    w.sema.release();
-    w.join();
-    EXPECT_EQ(w.order.back(), 2);
-}
-
-TEST(Sema, SurplusStaysAfterWakingEveryone)
-{
-    Waiters w;
-    w.start(2);
-    w.sema.release(5);
-    w.join();
-    EXPECT_EQ(w.order.size(), 2u);
-    for (int i = 0; i < 3; ++i)
-        EXPECT_TRUE(w.sema.tryAcquire());
+    w.sema.release(3); // wakes the last, keeps two
+    ASSERT_EQ(w.done(5), 5u);
+    EXPECT_TRUE(w.sema.tryAcquire());
+    EXPECT_TRUE(w.sema.tryAcquire());
     EXPECT_FALSE(w.sema.tryAcquire());
 }
 
@@ -135,19 +110,13 @@ TEST(Sema, ProducersAndConsumersBalance)
 {
     TUSema sema;
     constexpr int kItems = 2000;
-    std::atomic<int> consumed{0};
     std::vector<std::thread> threads;
-    for (int c = 0; c < 3; ++c)
-        threads.emplace_back([&] {
+    for (int t = 0; t < 6; ++t)
+        threads.emplace_back([&, t] {
             for (int i = 0; i < kItems; ++i) {
-                sema.acquire();
-                ++consumed;
-            }
-        });
-    for (int p = 0; p < 3; ++p)
-        threads.emplace_back([&, p] {
-            for (int i = 0; i < kItems; ++i) {
-                if ((i + p) % 4 == 0)
+                if (t < 3)
+                    sema.acquire();
+                else if (i % 4 == 0)
                     sema.release(1);
                 else
                     sema.release();
@@ -155,8 +124,7 @@ TEST(Sema, ProducersAndConsumersBalance)
         });
     for (auto& t : threads)
         t.join();
-    EXPECT_EQ(consumed.load(), 3 * kItems);
-    EXPECT_FALSE(sema.tryAcquire());
+    EXPECT_FALSE(sema.tryAcquire()); // every unit was taken exactly once
 }
 
 } // namespace

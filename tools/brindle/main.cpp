@@ -1,7 +1,7 @@
 // Entry point of the brindle tool: dispatches to the registered subcommands.
 #include "Command.h"
 
-#include <QtCore/QCoreApplication>
+#include <BrindleBaseCore/app/BAPP_Application.h>
 
 #include <cstdio>
 #include <vector>
@@ -17,7 +17,8 @@ std::map<std::string, Command>& registry()
 
 void printUsage(FILE* to)
 {
-    std::fprintf(to, "usage: brindle COMMAND [ARGS...]\n       brindle COMMAND --help\n\ncommands:\n");
+    std::fprintf(to, "usage: brindle COMMAND [ARGS...] [-lang LANG] [-langdir DIR] [-nologo]\n"
+                     "       brindle COMMAND --help\n\ncommands:\n");
     for (auto const& [name, command] : registry()) {
         if (!command.hidden)
             std::fprintf(to, "  %-10s %s\n", name.c_str(), command.summary);
@@ -31,9 +32,15 @@ std::vector<void (*)()>& hooks()
     return list;
 }
 
-std::map<std::string, Command> const& commands() { return registry(); }
+std::map<std::string, Command> const& commands()
+{
+    return registry();
+}
 
-StartupHook::StartupHook(void (*hook)()) { hooks().push_back(hook); }
+StartupHook::StartupHook(void (*hook)())
+{
+    hooks().push_back(hook);
+}
 
 void runStartupHooks()
 {
@@ -41,16 +48,23 @@ void runStartupHooks()
         hook();
 }
 
-Registrar::Registrar(Command command) { registry().emplace(command.name, command); }
+Registrar::Registrar(Command command)
+{
+    registry().emplace(command.name, command);
+}
 
 Invocation::Invocation(Command const& command, QStringList arguments)
-    : m_command(command), m_arguments(std::move(arguments))
+    : m_command(command)
+    , m_arguments(std::move(arguments))
 {
     m_parser.setApplicationDescription(QString::fromUtf8(command.summary));
     m_parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
 }
 
-QString Invocation::name() const { return QString::fromUtf8(m_command.name); }
+QString Invocation::name() const
+{
+    return QString::fromUtf8(m_command.name);
+}
 
 bool Invocation::parse(int* status)
 {
@@ -67,8 +81,8 @@ bool Invocation::parse(int* status)
         QString text = m_parser.helpText();
         // Qt writes "Usage: brindle NAME [options]"; show the real synopsis instead.
         qsizetype endOfFirstLine = text.indexOf(QLatin1Char('\n'));
-        text = QStringLiteral("Usage: brindle ") + QString::fromUtf8(m_command.synopsis)
-               + text.mid(endOfFirstLine);
+        text = QStringLiteral("Usage: brindle ") + QString::fromUtf8(m_command.synopsis) +
+               text.mid(endOfFirstLine);
         std::fputs(text.toUtf8().constData(), stdout);
         *status = Success;
         return false;
@@ -94,13 +108,16 @@ void printLine(QString const& text)
 int main(int argc, char** argv)
 {
     using namespace brindle;
-    QCoreApplication app(argc, argv);
+    // Start-up takes the library's own options (-lang, -langdir, -nologo) out
+    // of the arguments, wherever they stand, before the subcommand sees them.
+    BAPP_Arguments arguments = BAPP_Application::parseArguments(argc, argv);
+    BAPP_CoreApplication app(argc, argv, arguments);
     runStartupHooks();
-    if (argc < 2) {
+    if (arguments.size() < 1) {
         printUsage(stderr);
         return Usage;
     }
-    std::string name = argv[1];
+    std::string name = arguments.at(0).toStdString();
     if (name == "--help" || name == "-h" || name == "help") {
         printUsage(stdout);
         return Success;
@@ -110,10 +127,7 @@ int main(int argc, char** argv)
         std::fprintf(stderr, "brindle: unknown command '%s' (see brindle --help)\n", name.c_str());
         return Usage;
     }
-    QStringList arguments;
-    for (int i = 2; i < argc; ++i)
-        arguments << QString::fromLocal8Bit(argv[i]);
-    Invocation invocation(it->second, arguments);
+    Invocation invocation(it->second, arguments.list().mid(1));
     int status = it->second.run(invocation);
     std::fflush(stdout);
     return status;

@@ -59,8 +59,8 @@ public:
     ErrorCode::Type errorCode() const { return m_errorCode; }
     MSG_Text& errorCode(ErrorCode::Type code);
 
-    // Concatenations of both strings; the result's code is 0. A plain string is
-    // appended to both the text and the translation.
+    // Concatenations of both strings; the result's code is 0 (intended). A plain
+    // string is appended to both the text and the translation.
     MSG_Text operator+(MSG_Text const& other) const;
     MSG_Text operator+(QString const& other) const;
     MSG_Text& operator+=(MSG_Text const& other);

@@ -34,7 +34,9 @@ public:
     static TUMessage& instance();
     // Replaces the channel with a new base channel.
     static void createInstance(QString const& name, bool debugMode, bool secondFlag);
-    // Destroys the current channel (even when it is p) and installs p.
+    // Reports a warning through the current channel, destroys it and installs
+    // p. Given the current channel itself, it is destroyed all the same and no
+    // channel is left (the next report creates the default one).
     static void setInstance(TUMessage* p);
     static void releaseInstance();
     // "[yyyy.MM.dd-hh.mm.ss][pid@tid] message" on standard error; needs no instance.
@@ -103,6 +105,7 @@ protected:
 
 private:
     friend class MSG_Scope;
+    friend class TULex; // reports syntax errors with an answer flag it reads back
     friend class TUMessageUnsuspend;
     TUMessage& operator=(TUMessage const&) = delete;
 };

@@ -1,0 +1,87 @@
+// The argument list and the iterator that option parsers walk it with.
+#include <BrindleBaseCore/app/BAPP_Application.h>
+#include <BrindleBaseCore/app/BAPP_Arguments.h>
+
+#include <gtest/gtest.h>
+
+namespace {
+QList<QString> words(std::initializer_list<char const*> list)
+{
+    QList<QString> result;
+    for (char const* word : list)
+        result.append(QString::fromUtf8(word));
+    return result;
+}
+} // namespace
+
+TEST(Arguments, ReadingOutOfRangeGivesNullAndEraseIgnoresIt)
+{
+    BAPP_Arguments args(words({"a", "b"}));
+    EXPECT_EQ(args.at(1), u"b");
+    EXPECT_TRUE(args[2].isNull());
+    EXPECT_TRUE(args.at(-1).isNull());
+    args.erase(2);
+    args.erase(-1);
+    EXPECT_EQ(args.size(), 2);
+    args.erase(0);
+    EXPECT_EQ(args.list(), words({"b"}));
+}
+
+TEST(Arguments, CopiesAreIndependent)
+{
+    BAPP_Arguments original(words({"a", "b"}));
+    BAPP_Arguments copy = original;
+    copy.erase(0);
+    EXPECT_EQ(original.count(), 2);
+    EXPECT_EQ(copy.count(), 1);
+}
+
+TEST(Arguments, ParseSkipsTheProgramAndDecodesUtf8)
+{
+    char program[] = "prog";
+    char word[] = "caf\xc3\xa9";
+    char option[] = "-lang";
+    char* argv[] = {program, word, option, nullptr};
+    BAPP_Arguments args = BAPP_Application::parseArguments(3, argv);
+    EXPECT_EQ(args.list(), QList<QString>({QStringLiteral(u"café"), QStringLiteral("-lang")}));
+    EXPECT_EQ(BAPP_Application::parseArguments(1, argv).size(), 0);
+}
+
+TEST(ArgumentIterator, LooksAheadAndMovesByOne)
+{
+    BAPP_Arguments args(words({"-size", "10", "x"}));
+    BAPP_ArgumentIterator it = args.begin();
+    EXPECT_EQ(*it, u"-size");
+    EXPECT_EQ(it[1], u"10");
+    EXPECT_TRUE(it[3].isNull());
+    EXPECT_TRUE(it.hasMoreArgument(3));
+    EXPECT_FALSE(it.hasMoreArgument(4));
+    ++it;
+    ++it;
+    EXPECT_EQ(it->size(), 1);
+    EXPECT_TRUE(it.hasMoreArgument(1));
+    EXPECT_FALSE(it.hasMoreArgument(2));
+    ++it;
+    EXPECT_TRUE(it == args.end());
+    EXPECT_TRUE(it->isNull());
+    --it;
+    EXPECT_TRUE(it != args.end());
+
+    BAPP_Arguments other(words({"-size", "10", "x"}));
+    EXPECT_FALSE(args.begin() == other.begin());
+}
+
+TEST(ArgumentIterator, HandledRemovesInPlaceAndStopsAtTheEnd)
+{
+    BAPP_Arguments args(words({"a", "-opt", "v", "b"}));
+    BAPP_ArgumentIterator it = args.begin();
+    ++it;
+    it.handled(2);
+    EXPECT_EQ(it.index(), 1);
+    EXPECT_EQ(*it, u"b");
+    EXPECT_EQ(args.list(), words({"a", "b"}));
+
+    it.handled(5);
+    EXPECT_EQ(args.list(), words({"a"}));
+    EXPECT_TRUE(it == args.end());
+}

@@ -1,0 +1,205 @@
+#include <BrindleBaseCore/os/PL_Timer.h>
+
+#include <gtest/gtest.h>
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QElapsedTimer>
+#include <QtCore/QEventLoop>
+#include <QtCore/QObject>
+#include <QtCore/QThread>
+#include <QtCore/QTimer>
+
+#include <functional>
+#include <memory>
+#include <thread>
+
+namespace {
+
+class CountingTimer : public PL_Timer
+{
+public:
+    int count = 0;
+    QElapsedTimer clock;
+    qint64 firstAfterMs = -1;
+    std::function<void()> onNotify;
+
+    void TimerNotify() override
+    {
+        if (count++ == 0 && clock.isValid())
+            firstAfterMs = clock.elapsed();
+        if (onNotify)
+            onNotify();
+    }
+};
+
+// Runs the event loop for `ms` milliseconds, or until `done` holds.
+void runLoop(int ms, std::function<bool()> const& done = {})
+{
+    QEventLoop loop;
+    QElapsedTimer elapsed;
+    elapsed.start();
+    QTimer tick;
+    QObject::connect(&tick, &QTimer::timeout, [&] {
+        if (elapsed.elapsed() >= ms || (done && done()))
+            loop.quit();
+    });
+    tick.start(2);
+    loop.exec();
+}
+
+// Blocks the user-interface thread, as a long computation would.
+void busy(int ms)
+{
+    std::this_thread::sleep_for(std::chrono::milliseconds(ms));
+}
+
+class Timers : public ::testing::Test
+{
+protected:
+    std::unique_ptr<QObject> window = std::make_unique<QObject>();
+    PL_TimerManager* manager = PL_TimerManager::GetInstance();
+
+    void SetUp() override { PL_TimerManager::SetUIThread(window.get()); }
+    void TearDown() override { PL_TimerManager::SetUIThread(nullptr); }
+};
+
+TEST_F(Timers, OneShotDirectIsDeliveredOnceAndEnds)
+{
+    CountingTimer timer;
+    timer.clock.start();
+    ASSERT_TRUE(timer.StartTimer(1, /*oneShot=*/true, /*direct=*/true));
+    EXPECT_TRUE(timer.IsTimerActive());
+    runLoop(2000, [&] { return timer.count > 0; });
+    runLoop(40);
+    EXPECT_EQ(timer.count, 1);
+    EXPECT_FALSE(timer.IsTimerActive());
+    EXPECT_GE(timer.firstAfterMs, 9); // 1 ms is raised to the 10 ms resolution
+    EXPECT_EQ(manager->Resolution(), 10u);
+    EXPECT_TRUE(timer.StopTimer());                      // inactive: nothing to do
+    EXPECT_FALSE(timer.StartTimer(2000000, true, true)); // beyond the longest period
+    EXPECT_FALSE(timer.IsTimerActive());
+}
+
+TEST_F(Timers, QueuedExpiriesWaitForIdle)
+{
+    CountingTimer timer;
+    ASSERT_TRUE(timer.StartTimer(10, true, false));
+    busy(80);
+    QCoreApplication::processEvents(); // the expiry is queued, not delivered
+    EXPECT_EQ(timer.count, 0);
+    manager->Idle();
+    EXPECT_EQ(timer.count, 1);
+    EXPECT_FALSE(timer.IsTimerActive());
+    manager->Idle();
+    EXPECT_EQ(timer.count, 1);
+}
+
+TEST_F(Timers, IdleHookDeliversFromTheEventLoop)
+{
+    ASSERT_TRUE(PL_TimerManager::InstallIdleHook());
+    ASSERT_TRUE(PL_TimerManager::InstallIdleHook()); // once is enough
+    CountingTimer timer;
+    ASSERT_TRUE(timer.StartTimer(20, false, false));
+    runLoop(3000, [&] { return timer.count >= 3; });
+    EXPECT_GE(timer.count, 3);
+    EXPECT_TRUE(timer.IsTimerActive());
+    EXPECT_TRUE(timer.StopTimer());
+    EXPECT_FALSE(timer.IsTimerActive());
+    int const stoppedAt = timer.count;
+    runLoop(60);
+    EXPECT_EQ(timer.count, stoppedAt);
+}
+
+TEST_F(Timers, LatePeriodicDeliveryIsCoalesced)
+{
+    CountingTimer timer;
+    ASSERT_TRUE(timer.StartTimer(10, false, false));
+    busy(60);
+    QCoreApplication::processEvents();
+    busy(60); // further expiries are dropped while one is on its way
+    QCoreApplication::processEvents();
+    manager->Idle();
+    EXPECT_EQ(timer.count, 1);
+    // Delivered: the next expiry is posted again.
+    busy(60);
+    QCoreApplication::processEvents();
+    manager->Idle();
+    EXPECT_EQ(timer.count, 2);
+
+    // A periodic direct timer is notified for its first expiry only.
+    CountingTimer direct;
+    ASSERT_TRUE(direct.StartTimer(10, false, true));
+    runLoop(150);
+    EXPECT_EQ(direct.count, 1);
+    EXPECT_TRUE(direct.IsTimerActive());
+}
+
+TEST_F(Timers, StopWhilePostedNeverNotifies)
+{
+    for (bool direct : {false, true}) {
+        for (bool oneShot : {false, true}) {
+            CountingTimer timer;
+            ASSERT_TRUE(timer.StartTimer(10, oneShot, direct));
+            busy(80); // the expiry is posted, not handled
+            EXPECT_TRUE(timer.StopTimer());
+            QCoreApplication::processEvents();
+            manager->Idle();
+            EXPECT_EQ(timer.count, 0) << direct << oneShot;
+            EXPECT_FALSE(timer.IsTimerActive());
+        }
+    }
+    // Stopped (by its destructor) while queued for Idle: freed there, without
+    // notifying the dead timer.
+    auto queued = std::make_unique<CountingTimer>();
+    ASSERT_TRUE(queued->StartTimer(10, false, false));
+    busy(80);
+    QCoreApplication::processEvents();
+    queued.reset();
+    manager->Idle();
+}
+
+TEST_F(Timers, RestartAndStopFromANotification)
+{
+    CountingTimer timer;
+    CountingTimer other;
+    timer.onNotify = [&] {
+        if (timer.count == 1)
+            timer.StartTimer(10, true, true); // restart itself
+        other.StopTimer();
+    };
+    ASSERT_TRUE(other.StartTimer(500, true, true));
+    ASSERT_TRUE(timer.StartTimer(10, true, true));
+    runLoop(2000, [&] { return timer.count >= 2; });
+    EXPECT_EQ(timer.count, 2);
+    EXPECT_FALSE(other.IsTimerActive());
+    EXPECT_EQ(other.count, 0);
+}
+
+TEST_F(Timers, WithoutWindowNothingIsDelivered)
+{
+    PL_TimerManager::SetUIThread(nullptr);
+    CountingTimer timer;
+    ASSERT_TRUE(timer.StartTimer(10, true, true));
+    runLoop(60);
+    manager->Idle();
+    EXPECT_EQ(timer.count, 0);
+    EXPECT_TRUE(timer.IsTimerActive()); // never expired as far as it knows
+
+    // A destroyed window counts as none.
+    auto gone = std::make_unique<QObject>();
+    PL_TimerManager::SetUIThread(gone.get());
+    CountingTimer later;
+    ASSERT_TRUE(later.StartTimer(10, false, true));
+    gone.reset();
+    runLoop(60);
+    EXPECT_EQ(later.count, 0);
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    QCoreApplication app(argc, argv);
+    ::testing::InitGoogleTest(&argc, argv);
+    return RUN_ALL_TESTS();
+}
