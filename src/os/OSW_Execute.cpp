@@ -213,6 +213,7 @@ int OSW_Execute::execm(QStringList const& words)
     }
     d->pid = quint32(child);
     d->reaped = false;
+    d->killed = false;
     d->exitStatus = 0;
     return d->detached ? 0 : waitForProcEnd();
 }
@@ -244,7 +245,8 @@ int OSW_Execute::waitForProcEnd()
         } while (r < 0 && errno == EINTR);
         // A child reaped elsewhere (SIGCHLD ignored, say) has no status for us.
         d->reaped = true;
-        d->exitStatus = r == pid_t(d->pid) ? exitStatusOf(status) : 0;
+        bool const killedByUs = d->killed && WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL;
+        d->exitStatus = r == pid_t(d->pid) && !killedByUs ? exitStatusOf(status) : 0;
     }
     return d->exitStatus;
 }
@@ -261,6 +263,6 @@ bool OSW_Execute::isRunning()
 void OSW_Execute::kill()
 {
     // An unreaped child keeps its pid, so the signal cannot reach another process.
-    if (d->pid != 0 && !d->reaped)
-        ::kill(pid_t(d->pid), SIGKILL);
+    if (d->pid != 0 && !d->reaped && ::kill(pid_t(d->pid), SIGKILL) == 0)
+        d->killed = true;
 }

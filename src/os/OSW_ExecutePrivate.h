@@ -30,6 +30,7 @@ struct OSW_Execute::Private
     // Set once the child's status has been read (the child is reaped).
     bool reaped = false;
     int exitStatus = 0;
+    bool killed = false; // ended by kill(): its status reads as 0
 
     void closeHandles();
     // Creates the three pipes; a pipe that cannot be made leaves its slots invalid.

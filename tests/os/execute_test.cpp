@@ -99,7 +99,9 @@ TEST(OSW_Execute, ExitStatusesAndDetachedChildren)
 
     EXPECT_EQ(exec.execm(QStringLiteral("sleep"), QStringLiteral("30")), 0);
     exec.kill();
-    EXPECT_EQ(exec.waitForProcEnd(), 128 + 9);
+    EXPECT_EQ(exec.waitForProcEnd(), 0); // terminated with status 0
+    exec.setDetached(false);
+    EXPECT_EQ(exec.execm(Sh, C, QStringLiteral("kill -KILL $$")), 128 + 9); // not by kill()
     EXPECT_TRUE(noChildLeft());
 }
 

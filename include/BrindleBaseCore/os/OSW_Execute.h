@@ -58,7 +58,8 @@ private:
 // status; call it before starting another child on the same object or
 // destroying the object, or the earlier child is never reaped.
 // Statuses: the exit code (0-255, so -1 is 255), or 128 + the signal number
-// for a child ended by a signal (kill() gives 137). If the application
+// for a child ended by a signal; a child ended by kill() has status 0, as a
+// terminated process has. If the application
 // ignores SIGCHLD the system reaps children itself and waitForProcEnd returns 0.
 //
 // Assignment is deliberately shallow: both objects then share one record; a
@@ -104,7 +105,8 @@ public:
     // Whether the last child is still running (a child that has ended but not
     // been waited for is not running).
     bool isRunning();
-    // Kills the last child (SIGKILL) unless its status has been read already.
+    // Kills the last child (SIGKILL) unless its status has been read already;
+    // waitForProcEnd then returns 0 for it.
     void kill();
     quint32 pid() const;
 
