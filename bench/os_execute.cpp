@@ -7,7 +7,9 @@
 //
 // Pipe: 64-byte messages sent back and forth between two threads through two
 // named pipes; reported as messages per second.
+#include <BrindleBaseCore/files/PL_FileSpec.h>
 #include <BrindleBaseCore/os/OSW_Execute.h>
+#include <BrindleBaseCore/os/OSW_Pipe.h>
 
 #include <benchmark/benchmark.h>
 
@@ -18,6 +20,7 @@
 #include <cstdio>
 #include <spawn.h>
 #include <sys/wait.h>
+#include <thread>
 #include <unistd.h>
 #include <vector>
 
@@ -87,6 +90,46 @@ void BM_SpawnAndWait(benchmark::State& state)
                 ours, spawn, qprocess, ratio, ratio <= 1.05 ? "pass" : "FAIL");
 }
 BENCHMARK(BM_SpawnAndWait)->Iterations(400)->Unit(benchmark::kMicrosecond);
+
+PL_FileSpec pipeName(char const* name)
+{
+    return PL_FileSpec(UT_String(
+        QStringLiteral("bench_%1_%2").arg(QLatin1String(name)).arg(::getpid()).toStdU16String()));
+}
+
+void BM_PipeRoundTrip64(benchmark::State& state)
+{
+    PL_FileSpec const ping = pipeName("ping"), pong = pipeName("pong");
+    OSW_Pipe pingServer, pongServer, pingClient, pongClient;
+    if (!pingServer.createNamedPipe(ping, OSW_Pipe::Read) ||
+        !pongServer.createNamedPipe(pong, OSW_Pipe::Write)) {
+        state.SkipWithError("cannot create the pipes");
+        return;
+    }
+    std::thread echo([&] {
+        if (!pingServer.openNamedPipe(ping, OSW_Pipe::Read) ||
+            !pongServer.openNamedPipe(pong, OSW_Pipe::Write))
+            return;
+        char message[64];
+        int n;
+        while ((n = pingServer.readData(message, sizeof message)) > 0)
+            pongServer.writeData(message, quint64(n));
+    });
+    pingClient.openNamedPipe(ping, OSW_Pipe::Write);
+    pongClient.openNamedPipe(pong, OSW_Pipe::Read);
+    char message[64] = "a 64-byte message";
+    for (auto _ : state) {
+        pingClient.writeData(message, sizeof message);
+        if (pongClient.readData(message, sizeof message) != int(sizeof message))
+            state.SkipWithError("short read");
+    }
+    // A last empty message stops the echo thread.
+    pingClient.writeData(message, 0);
+    echo.join();
+    state.counters["messages_per_s"] =
+        benchmark::Counter(double(state.iterations()) * 2, benchmark::Counter::kIsRate);
+}
+BENCHMARK(BM_PipeRoundTrip64)->UseRealTime();
 
 } // namespace
 

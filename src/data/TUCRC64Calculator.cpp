@@ -15,7 +15,7 @@ quint64 TUCRC64Calculator::update(quint64 crc, void const* data, std::size_t siz
 {
     auto const* p = static_cast<unsigned char const*>(data);
     if (size < 16) {
-        // The documented loop on the two halves, kept as two 32-bit registers.
+        // The table loop on the two halves, kept as two 32-bit registers.
         quint32 high = quint32(crc >> 32), low = quint32(crc);
         for (std::size_t i = 0; i < size; ++i) {
             unsigned const index = (low ^ p[i]) & 0xFF;

@@ -168,8 +168,7 @@ UT_Node* UT_Node::GetPreviousLeaf() const
 
 UT_NodePosition::UT_NodePosition(UT_Node const* node)
 {
-    if (node)
-        Set(node);
+    Set(node);
 }
 
 UT_NodePosition::UT_NodePosition(UT_NodePosition&& other) noexcept
@@ -189,6 +188,10 @@ UT_NodePosition& UT_NodePosition::operator=(UT_NodePosition&& other) noexcept
 
 void UT_NodePosition::Set(UT_Node const* node)
 {
+    if (!node) {
+        m_indexes.clear();
+        return;
+    }
     m_indexes.resize(node->GetLevel() + 1);
     for (auto it = m_indexes.rbegin(); it != m_indexes.rend(); ++it, node = node->GetParent())
         *it = node->GetPosition();

@@ -19,6 +19,18 @@ constexpr char16_t kFileNameForbidden[] = {u'"', u'*', u':', u'<', u'>', u'?'};
 static_assert(std::is_sorted(std::begin(kDriveSafeForbidden), std::end(kDriveSafeForbidden)));
 static_assert(std::is_sorted(std::begin(kFileNameForbidden), std::end(kFileNameForbidden)));
 
+// Every forbidden character is below 64: one bit each, so that the common
+// characters skip the search.
+constexpr quint64 maskOf(char16_t const* first, char16_t const* last)
+{
+    quint64 mask = 0;
+    for (; first != last; ++first)
+        mask |= quint64(1) << *first;
+    return mask;
+}
+constexpr quint64 kCandidates =
+    maskOf(std::begin(kFileNameForbidden), std::end(kFileNameForbidden));
+
 struct DriveExpressions
 {
     QRegularExpression share{QStringLiteral("^//[\\w\\-_]+/[\\w\\-_]+")};
@@ -42,14 +54,24 @@ QString UT_Path::FilterPath(QString const& text, bool fileNamePart)
         fileNamePart ? std::begin(kFileNameForbidden) : std::begin(kDriveSafeForbidden);
     char16_t const* const last =
         fileNamePart ? std::end(kFileNameForbidden) : std::end(kDriveSafeForbidden);
-    QString out = text;
-    for (QChar& c : out) {
-        char16_t const u = c.unicode();
+    auto replacement = [first, last](char16_t u) -> char16_t {
         if (u == u'\\')
-            c = u'/';
-        else if (u <= u'?' && std::binary_search(first, last, u))
-            c = u'_';
-    }
+            return u'/';
+        if (u < 64 && (kCandidates >> u & 1) && std::binary_search(first, last, u))
+            return u'_';
+        return u;
+    };
+    // Most paths need no change: share the text until a character must go.
+    char16_t const* const begin = reinterpret_cast<char16_t const*>(text.constData());
+    qsizetype const size = text.size();
+    qsizetype i = 0;
+    while (i < size && replacement(begin[i]) == begin[i])
+        ++i;
+    if (i == size)
+        return text;
+    QString out = text;
+    for (QChar* c = out.data() + i; c != out.data() + size; ++c)
+        *c = QChar(replacement(c->unicode()));
     return out;
 }
 

@@ -8,8 +8,36 @@
 
 namespace brindle::files {
 
+namespace {
+// True when cleaning cannot change the text: no empty, '.' or '..' component
+// and the wanted trailing '/' (or its absence) already there.
+bool isClean(QStringView text, bool trailingSlash)
+{
+    qsizetype const size = text.size();
+    if (size == 0)
+        return true;
+    if (text.back() == u'/' ? !trailingSlash && size > 1 : trailingSlash)
+        return false;
+    qsizetype start = text.front() == u'/' ? 1 : 0;
+    while (start < size) {
+        qsizetype end = text.indexOf(u'/', start);
+        if (end < 0)
+            end = size;
+        qsizetype const length = end - start;
+        if (length == 0 && end < size)
+            return false;
+        if (text[start] == u'.' && (length == 1 || (length == 2 && text[start + 1] == u'.')))
+            return false;
+        start = end + 1;
+    }
+    return true;
+}
+} // namespace
+
 QString cleanPath(QStringView text, bool trailingSlash)
 {
+    if (isClean(text, trailingSlash))
+        return text.toString();
     bool const absolute = text.startsWith(u'/');
     QVarLengthArray<QStringView, 32> parts;
     qsizetype const size = text.size();

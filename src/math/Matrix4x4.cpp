@@ -12,65 +12,79 @@ namespace {
 
 constexpr double identityValues[16] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
 
-// A 4x4 system held row by row for the LU decomposition.
+// A 4x4 system for the LU decomposition. Rows are exchanged by exchanging
+// the pointers in row (logical row i is row[i]); the object is not copyable.
 struct LuSystem
 {
-    double a[4][4];
+    explicit LuSystem(double const* m)
+    {
+        for (int r = 0; r < 4; ++r) {
+            row[r] = values[r];
+            for (int c = 0; c < 4; ++c)
+                values[r][c] = m[4 * c + r];
+        }
+    }
+    LuSystem(LuSystem const&) = delete;
+    LuSystem& operator=(LuSystem const&) = delete;
+
+    double values[4][4];
+    double* row[4];
     int index[4];
-    double parity;
+    int exchanges = 0; // the parity of the permutation is (−1)^exchanges
 };
 
 // Crout's method with partial pivoting and implicit row scaling, in place.
 // Fails on a row without a non-zero value or a pivot below the double
-// epsilon.
+// epsilon. The pivot search and the row exchange are written without
+// branches; they pick the same rows as the textbook loop (the last row of
+// greatest merit).
 bool decompose(LuSystem& s)
 {
     double scale[4];
-    s.parity = 1.0;
     for (int i = 0; i < 4; ++i) {
         double big = 0.0;
         for (int j = 0; j < 4; ++j) {
-            double t = std::fabs(s.a[i][j]);
-            if (t > big)
-                big = t;
+            double t = std::fabs(s.row[i][j]);
+            big = t > big ? t : big;
         }
         if (big == 0.0)
             return false;
         scale[i] = 1.0 / big;
     }
+#pragma GCC unroll 4
     for (int j = 0; j < 4; ++j) {
         for (int i = 0; i < j; ++i) {
-            double sum = s.a[i][j];
+            double* r = s.row[i];
+            double sum = r[j];
             for (int k = 0; k < i; ++k)
-                sum -= s.a[i][k] * s.a[k][j];
-            s.a[i][j] = sum;
+                sum -= r[k] * s.row[k][j];
+            r[j] = sum;
         }
         double big = 0.0;
         int pivotRow = j;
         for (int i = j; i < 4; ++i) {
-            double sum = s.a[i][j];
+            double* r = s.row[i];
+            double sum = r[j];
             for (int k = 0; k < j; ++k)
-                sum -= s.a[i][k] * s.a[k][j];
-            s.a[i][j] = sum;
+                sum -= r[k] * s.row[k][j];
+            r[j] = sum;
             double merit = scale[i] * std::fabs(sum);
-            if (merit >= big) {
-                big = merit;
-                pivotRow = i;
-            }
+            int take = -int(merit >= big);
+            pivotRow = (i & take) | (pivotRow & ~take);
+            big = merit > big ? merit : big;
         }
-        if (pivotRow != j) {
-            for (int k = 0; k < 4; ++k)
-                std::swap(s.a[pivotRow][k], s.a[j][k]);
-            s.parity = -s.parity;
-            scale[pivotRow] = scale[j];
-        }
+        double* pivot = s.row[pivotRow];
+        s.row[pivotRow] = s.row[j];
+        s.row[j] = pivot;
+        scale[pivotRow] = scale[j];
+        s.exchanges += int(pivotRow != j);
         s.index[j] = pivotRow;
-        if (std::fabs(s.a[j][j]) < DBL_EPSILON)
+        if (std::fabs(pivot[j]) < DBL_EPSILON)
             return false;
         if (j != 3) {
-            double inv = 1.0 / s.a[j][j];
+            double inv = 1.0 / pivot[j];
             for (int i = j + 1; i < 4; ++i)
-                s.a[i][j] *= inv;
+                s.row[i][j] *= inv;
         }
     }
     return true;
@@ -87,7 +101,7 @@ void solve(LuSystem const& s, double b[4])
         b[p] = b[i];
         if (first >= 0) {
             for (int j = first; j < i; ++j)
-                sum -= s.a[i][j] * b[j];
+                sum -= s.row[i][j] * b[j];
         } else if (sum != 0.0) {
             first = i;
         }
@@ -96,19 +110,67 @@ void solve(LuSystem const& s, double b[4])
     for (int i = 3; i >= 0; --i) {
         double sum = b[i];
         for (int j = i + 1; j < 4; ++j)
-            sum -= s.a[i][j] * b[j];
-        b[i] = sum / s.a[i][i];
+            sum -= s.row[i][j] * b[j];
+        b[i] = sum / s.row[i][i];
     }
 }
 
-LuSystem rowsOf(double const* m)
+// The inverse, column by column into out (storage order). The four unit
+// vectors are solved side by side, which gives the same numbers as solve():
+// with finite multipliers the terms that solve() skips subtract an exact +0
+// from +0 or 1. Non-finite multipliers take the one-column path.
+void solveIdentity(LuSystem const& s, double* out)
 {
-    LuSystem s;
-    for (int r = 0; r < 4; ++r) {
-        for (int c = 0; c < 4; ++c)
-            s.a[r][c] = m[4 * c + r];
+    bool finite = true;
+    for (int i = 1; i < 4; ++i) {
+        for (int j = 0; j < i; ++j)
+            finite = finite && std::isfinite(s.row[i][j]);
     }
-    return s;
+    if (!finite) {
+        for (int c = 0; c < 4; ++c) {
+            double b[4] = {0, 0, 0, 0};
+            b[c] = 1.0;
+            solve(s, b);
+            for (int i = 0; i < 4; ++i)
+                out[4 * c + i] = b[i];
+        }
+        return;
+    }
+    // Row i of x holds entry i of the four solutions; it starts as the row
+    // of the identity that the exchanges bring to place i.
+    int order[4] = {0, 1, 2, 3};
+    for (int i = 0; i < 4; ++i) {
+        int p = s.index[i];
+        int t = order[p];
+        order[p] = order[i];
+        order[i] = t;
+    }
+    double x[4][4];
+    for (int i = 0; i < 4; ++i) {
+        for (int c = 0; c < 4; ++c)
+            x[i][c] = identityValues[4 * order[i] + c];
+    }
+    for (int i = 1; i < 4; ++i) {
+        for (int j = 0; j < i; ++j) {
+            double l = s.row[i][j];
+            for (int c = 0; c < 4; ++c)
+                x[i][c] -= l * x[j][c];
+        }
+    }
+    for (int i = 3; i >= 0; --i) {
+        for (int j = i + 1; j < 4; ++j) {
+            double u = s.row[i][j];
+            for (int c = 0; c < 4; ++c)
+                x[i][c] -= u * x[j][c];
+        }
+        double d = s.row[i][i];
+        for (int c = 0; c < 4; ++c)
+            x[i][c] /= d;
+    }
+    for (int c = 0; c < 4; ++c) {
+        for (int i = 0; i < 4; ++i)
+            out[4 * c + i] = x[i][c];
+    }
 }
 
 double det3(double a, double b, double c, double d, double e, double f, double g, double h,
@@ -130,7 +192,7 @@ char const* Matrix4x4::Singularity::what() const noexcept
     return "singular matrix";
 }
 
-const Matrix4x4 Matrix4x4::Identity;
+constinit const Matrix4x4 Matrix4x4::Identity;
 double const* const Matrix4x4::_identityPattern = identityValues;
 
 Matrix4x4::Matrix4x4(Matrix2x3 const& m)
@@ -271,17 +333,11 @@ Matrix4x4 Matrix4x4::getInverse() const
 {
     if (_identity)
         return Matrix4x4();
-    LuSystem s = rowsOf(_m);
+    LuSystem s(_m);
     if (!decompose(s))
         throw Singularity();
     Matrix4x4 r(NoInit{});
-    for (int c = 0; c < 4; ++c) {
-        double b[4] = {0, 0, 0, 0};
-        b[c] = 1.0;
-        solve(s, b);
-        for (int i = 0; i < 4; ++i)
-            r._m[4 * c + i] = b[i];
-    }
+    solveIdentity(s, r._m);
     return r;
 }
 
@@ -289,7 +345,7 @@ bool Matrix4x4::isSingular() const
 {
     if (_identity)
         return false;
-    LuSystem s = rowsOf(_m);
+    LuSystem s(_m);
     return !decompose(s);
 }
 

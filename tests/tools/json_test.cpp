@@ -33,6 +33,12 @@ TEST(BrindleJson, ReportsWhereParsingStopped)
     EXPECT_TRUE(out.isEmpty());
     EXPECT_EQ(err, "brindle json: standard input: invalid JSON (parsing stopped at byte 7)\n");
 
+    // An invalid byte and a byte order mark count as the bytes they are.
+    EXPECT_EQ(runProgram(toolPath(), {"json"}, &out, &err, "\xef\xbb\xbf[\"\xff\", @]"), 1);
+    EXPECT_TRUE(err.contains("(parsing stopped at byte 9)")) << err.constData();
+    EXPECT_EQ(runProgram(toolPath(), {"json"}, &out, &err, "\xef\xbb\xbf[1]"), 0);
+    EXPECT_EQ(out, "[ 1 ]\n");
+
     EXPECT_EQ(runProgram(toolPath(), {"json"}, &out, &err, "{\"a\": [1, 2"), 1);
     EXPECT_TRUE(err.contains("invalid JSON (parsing stopped at byte 11)"));
     EXPECT_EQ(runProgram(toolPath(), {"json"}, &out, &err, "[1.0e999]"), 1);

@@ -4,8 +4,32 @@
 #include <BrindleBaseCore/data/UT_Json.h>
 
 #include <QtCore/QFile>
+#include <QtCore/QStringDecoder>
 
 namespace {
+
+// UTF-16 units that decoding the first `size` bytes gives (an incomplete
+// sequence at the end gives nothing yet).
+qsizetype decodedSize(QByteArray const& bytes, qsizetype size)
+{
+    QStringDecoder decoder(QStringDecoder::Utf8);
+    return QString(decoder(QByteArrayView(bytes.constData(), size))).size();
+}
+
+// The byte offset in the file of a position in its decoded text, exact also
+// around invalid sequences and a byte order mark.
+qsizetype byteOffset(QByteArray const& bytes, qsizetype units)
+{
+    qsizetype low = 0, high = bytes.size();
+    while (low < high) {
+        qsizetype const middle = low + (high - low) / 2;
+        if (decodedSize(bytes, middle) >= units)
+            high = middle;
+        else
+            low = middle + 1;
+    }
+    return low;
+}
 
 int runJson(brindle::Invocation& cmd)
 {
@@ -29,15 +53,15 @@ int runJson(brindle::Invocation& cmd)
     if (file.error() != QFileDevice::NoError)
         return cmd.fail(name + QStringLiteral(": cannot read: ") + file.errorString());
 
-    QString const text = QString::fromUtf8(bytes);
+    QStringDecoder decoder(QStringDecoder::Utf8);
+    QString const text = decoder(bytes);
     bool ok = false;
     qsizetype stop = 0;
     QVariant const value = UT_Json::parse(text, ok, stop);
     if (!ok) {
-        qsizetype const byteOffset = QStringView(text).left(stop).toUtf8().size();
         return cmd.fail(QStringLiteral("%1: invalid JSON (parsing stopped at byte %2)")
                             .arg(name)
-                            .arg(byteOffset));
+                            .arg(byteOffset(bytes, stop)));
     }
     QByteArray out = UT_Json::serialize(value, ok);
     if (!ok)

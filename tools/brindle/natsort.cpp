@@ -7,6 +7,8 @@
 #include <QtCore/QFile>
 
 #include <algorithm>
+#include <cstdio>
+#include <numeric>
 #include <vector>
 
 namespace {
@@ -38,25 +40,34 @@ int runNatsort(brindle::Invocation& cmd)
             QStringLiteral("cannot read '%1': %2").arg(files.value(0, "-"), input.errorString()));
     QByteArray const data = input.readAll();
 
+    // Lines are ordered by their decoded text but written back byte for byte,
+    // so that text that is not UTF-8 comes out unchanged.
+    std::vector<QByteArray> raw;
     std::vector<QString> lines;
     for (qsizetype start = 0; start < data.size();) {
         qsizetype end = data.indexOf('\n', start);
         if (end < 0)
             end = data.size();
         qsizetype stop = end > start && data[end - 1] == '\r' ? end - 1 : end;
-        lines.push_back(QString::fromUtf8(data.constData() + start, stop - start));
+        raw.push_back(data.mid(start, stop - start));
+        lines.push_back(QString::fromUtf8(raw.back()));
         start = end + 1;
     }
 
+    std::vector<std::size_t> order;
     if (parser.isSet(tuple)) {
+        order.resize(lines.size());
+        std::iota(order.begin(), order.end(), std::size_t(0));
         // A stable sort stays within the range whatever the comparison does.
-        std::stable_sort(lines.begin(), lines.end(),
-                         UT_StringServices::NumericAlphanumericTupleLess);
-        for (QString const& line : lines)
-            brindle::printLine(line);
+        std::stable_sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) {
+            return UT_StringServices::NumericAlphanumericTupleLess(lines[a], lines[b]);
+        });
     } else {
-        for (std::size_t index : UT_StringSortNatural::getOrder(lines))
-            brindle::printLine(lines[index]);
+        order = UT_StringSortNatural::getOrder(lines);
+    }
+    for (std::size_t index : order) {
+        std::fwrite(raw[index].constData(), 1, std::size_t(raw[index].size()), stdout);
+        std::fputc('\n', stdout);
     }
     return brindle::Success;
 }

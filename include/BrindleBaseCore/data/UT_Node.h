@@ -15,7 +15,8 @@ class GR_LayerNode;
 //
 // Copies are deliberately shallow: the copy constructor and operator= copy the
 // five link fields as they are, so a copy points into the tree without being
-// linked into it. Not thread-safe.
+// linked into it. Destroying such a copy deletes the children it points to:
+// assign a default node to it first. Not thread-safe.
 class BRINDLE_EXPORT UT_Node
 {
 public:
@@ -89,6 +90,7 @@ public:
     UT_NodePosition& operator=(UT_NodePosition const&) = default;
     UT_NodePosition& operator=(UT_NodePosition&& other) noexcept;
 
+    // The position of the node; empty for null.
     void Set(UT_Node const* node);
     // Walks the position from `top` and its siblings. A level that runs off
     // its sibling list yields null there, and the next level starts again

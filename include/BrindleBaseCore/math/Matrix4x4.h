@@ -14,6 +14,9 @@
 #include <BrindleBaseCore/math/Point3d.h>
 
 #include <exception>
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 #include <type_traits>
 
 namespace Math {
@@ -34,7 +37,7 @@ public:
     static double const* const _identityPattern;
 
     // The identity, flagged.
-    Matrix4x4()
+    constexpr Matrix4x4()
         : _m{1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1}
         , _identity(true)
     {}
@@ -91,10 +94,8 @@ public:
     // this = this × b.
     Matrix4x4& operator*=(Matrix4x4 const& b)
     {
-        if (b._identity)
-            return *this;
-        if (_identity)
-            return *this = b;
+        if (_identity | b._identity) [[unlikely]]
+            return b._identity ? *this : *this = b;
         double r[16];
         product(_m, b._m, r);
         for (int i = 0; i < 16; ++i)
@@ -104,10 +105,8 @@ public:
     void multiply(Matrix4x4 const& b) { *this *= b; }
     Matrix4x4 operator*(Matrix4x4 const& b) const
     {
-        if (b._identity)
-            return *this;
-        if (_identity)
-            return b;
+        if (_identity | b._identity) [[unlikely]]
+            return b._identity ? *this : b;
         Matrix4x4 r(NoInit{});
         product(_m, b._m, r._m);
         return r;
@@ -244,14 +243,34 @@ private:
         _m[i] = v;
     }
     void setValues(double const* values);
-    // Column c of r is a combined with the column c of b; r must not alias.
+    // r = a × b (r must not alias a or b): column c of r is the columns of a
+    // weighted by column c of b, summed in order k = 0..3.
     static void product(double const* a, double const* b, double* r)
     {
+#if defined(__SSE2__)
+        __m128d a0l = _mm_loadu_pd(a), a0h = _mm_loadu_pd(a + 2);
+        __m128d a1l = _mm_loadu_pd(a + 4), a1h = _mm_loadu_pd(a + 6);
+        __m128d a2l = _mm_loadu_pd(a + 8), a2h = _mm_loadu_pd(a + 10);
+        __m128d a3l = _mm_loadu_pd(a + 12), a3h = _mm_loadu_pd(a + 14);
+        for (int c = 0; c < 4; ++c) {
+            __m128d b0 = _mm_set1_pd(b[4 * c]), b1 = _mm_set1_pd(b[4 * c + 1]);
+            __m128d b2 = _mm_set1_pd(b[4 * c + 2]), b3 = _mm_set1_pd(b[4 * c + 3]);
+            __m128d lo = _mm_add_pd(_mm_add_pd(_mm_add_pd(_mm_mul_pd(a0l, b0), _mm_mul_pd(a1l, b1)),
+                                               _mm_mul_pd(a2l, b2)),
+                                    _mm_mul_pd(a3l, b3));
+            __m128d hi = _mm_add_pd(_mm_add_pd(_mm_add_pd(_mm_mul_pd(a0h, b0), _mm_mul_pd(a1h, b1)),
+                                               _mm_mul_pd(a2h, b2)),
+                                    _mm_mul_pd(a3h, b3));
+            _mm_storeu_pd(r + 4 * c, lo);
+            _mm_storeu_pd(r + 4 * c + 2, hi);
+        }
+#else
         for (int c = 0; c < 4; ++c) {
             double b0 = b[4 * c], b1 = b[4 * c + 1], b2 = b[4 * c + 2], b3 = b[4 * c + 3];
             for (int i = 0; i < 4; ++i)
                 r[4 * c + i] = a[i] * b0 + a[4 + i] * b1 + a[8 + i] * b2 + a[12 + i] * b3;
         }
+#endif
     }
 
     alignas(16) double _m[16];

@@ -55,11 +55,11 @@ private:
 // A non-detached execm with pipes waits before anything is read: a child that
 // writes more than 1 MiB to one stream blocks for ever (dead-lock by design).
 // A detached child stays this process's child until waitForProcEnd reads its
-// status; call it before starting another child on the same object, or the
-// earlier one is never reaped. Statuses: the exit code (0-255, so -1 is 255),
-// or 128 + the signal number for a child ended by a signal. If the
-// application ignores SIGCHLD the system reaps children itself and
-// waitForProcEnd returns 0.
+// status; call it before starting another child on the same object or
+// destroying the object, or the earlier child is never reaped.
+// Statuses: the exit code (0-255, so -1 is 255), or 128 + the signal number
+// for a child ended by a signal (kill() gives 137). If the application
+// ignores SIGCHLD the system reaps children itself and waitForProcEnd returns 0.
 //
 // Assignment is deliberately shallow: both objects then share one record; a
 // record dropped by the target is released without closing its handles. The

@@ -219,18 +219,20 @@ BRINDLE_EXPORT UT_String UT_LoadString(UT_String const& text, char const* contex
 // A conversion is '%' [N$] [flags " #+-0"] [width: digits, '*' or '*N$']
 // [precision: '.' then digits, '*' or '*N$'] [length h | l | q] letter, with
 // positional arguments counted from 1. Letters:
-//   d i o u x X   integers (h short, l long, q 64-bit); D O U as d o u
+//   d i o u x X   integers (h short, l long, q or ll 64-bit); D O U as d o u
 //   e E f g G     double
 //   c             a char (passed as int);   C  a char16_t (passed as int)
 //   s             a UTF-8 char const*;      S  a char16_t const*
-//                 (a null pointer prints "(null)"; width and precision count units)
+//                 (a null pointer prints "(null)"; the width counts units, the
+//                 precision bytes read for s and units for S). As in the wide
+//                 printf family, lc / ls are C / S and hC / hS are c / s.
 //   p             a pointer as the C printf prints it
 //   P @           a pointer as "0x" and 16 upper-case hexadecimal digits
 //   n             stores the number of units written so far (h, l, q as above)
 //   %             one '%'
 // A conversion with another letter, an incomplete one at the end of the
 // format, or a position outside what the format can use, is copied through
-// unchanged.
+// unchanged. Widths and precisions above 1000000 are cut to 1000000.
 BRINDLE_EXPORT UT_String UT_FormatMessage(char const* format, ...);
 BRINDLE_EXPORT UT_String UT_FormatMessage(UT_Char const* format, ...);
 // The formatter itself: replaces out with format applied to args.

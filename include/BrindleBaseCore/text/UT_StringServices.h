@@ -28,7 +28,7 @@ BRINDLE_EXPORT void wchar2char(UT_Char const* const* in, int count, char** out, 
 // numbers (at equal value the longer run first: "007" before "7"); other
 // characters compare with the case swapped, '_' before everything, so that
 // digits come before letters and every lower-case letter before every
-// upper-case one ("z" before "A"). less(a, a) is false for every a.
+// upper-case one ("z" before "A"). A strict weak order, usable with std::sort.
 BRINDLE_EXPORT bool NumericAlphanumericTupleLess(QString const& a, QString const& b);
 
 // Evaluates a boolean expression over names (runs of ASCII letters, digits and

@@ -1,0 +1,2 @@
+# Temporary names are taken from many threads at once.
+brindle_tsan_test()

@@ -1,0 +1,1 @@
+brindle_tsan_test()
