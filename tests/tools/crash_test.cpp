@@ -81,7 +81,7 @@ void expectReport(char const* kind, int signal, char const* name, char const* fu
     Crash const crash = runCrash(kind);
     EXPECT_EQ(crash.signal, signal) << crash.err;
     std::string header = "App terminated by ";
-    header.append(name).append("\nRelative addresses:\n0");
+    header.append(name).append("Relative addresses:\n0");
     EXPECT_NE(crash.err.find(header), std::string::npos) << crash.err;
     std::size_t const trace = crash.err.find("Stack trace:\n");
     ASSERT_NE(trace, std::string::npos) << crash.err;

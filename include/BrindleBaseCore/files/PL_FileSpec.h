@@ -90,7 +90,7 @@ public:
         PublicDocumentsFolder = 4,  // has no equivalent here: always fails
     };
 
-    // A form of the spec that can be stored and read back (the UTF-8 path).
+    // A form of this file specification that can be stored and read back (the UTF-8 path).
     struct SavableID
     {
         QByteArray data;
@@ -110,7 +110,7 @@ public:
     void IFileSpec(UT_String const& path, PL_FileInfo const& info);
     void IFileSpec(PL_FileSpec const& other);
     void IFileSpec(SavableID const& id);
-    // 0, or ENOENT when the platform has no such folder (the spec is then empty).
+    // 0, or ENOENT when the platform has no such folder (this object is then empty).
     int IFileSpec(SpecialFolderType type);
     SavableID GetSavableID() const;
 
@@ -176,7 +176,7 @@ public:
     // Renames to `newName` (a name in the same folder, or a full path); the
     // spec then names the renamed object.
     int Rename(UT_String const& newName);
-    // Moves to `target` (across file systems too); the spec then names it.
+    // Moves to `target` (across file systems too); this object then names it.
     int Move(PL_FileSpec const& target);
     // Swaps the contents of this file and `other` (atomically when possible).
     int Exchange(PL_FileSpec const& other) const;

@@ -24,7 +24,7 @@ BRINDLE_EXPORT bool RestoreBackupFile(PL_FileSpec const& file, bool overwrite);
 // True when there is no backup left.
 BRINDLE_EXPORT bool DeleteBackupFile(PL_FileSpec const& file);
 BRINDLE_EXPORT PL_FileSpec BackupFileSpec(PL_FileSpec const& file);
-// The spec of the new-file name (name + "+").
+// The file specification of the new-file name (name + "+").
 BRINDLE_EXPORT PL_FileSpec NewFileSpec(PL_FileSpec const& file);
 // Renames the new file to the file's name, only when the new file exists and
 // the file does not: a present file is deliberately never replaced here.
