@@ -27,15 +27,6 @@ TEST(Arguments, ReadingOutOfRangeGivesNullAndEraseIgnoresIt)
     EXPECT_EQ(args.list(), words({"b"}));
 }
 
-TEST(Arguments, CopiesAreIndependent)
-{
-    BAPP_Arguments original(words({"a", "b"}));
-    BAPP_Arguments copy = original;
-    copy.erase(0);
-    EXPECT_EQ(original.count(), 2);
-    EXPECT_EQ(copy.count(), 1);
-}
-
 TEST(Arguments, ParseSkipsTheProgramAndDecodesUtf8)
 {
     char program[] = "prog";
@@ -66,9 +57,6 @@ TEST(ArgumentIterator, LooksAheadAndMovesByOne)
     EXPECT_TRUE(it->isNull());
     --it;
     EXPECT_TRUE(it != args.end());
-
-    BAPP_Arguments other(words({"-size", "10", "x"}));
-    EXPECT_FALSE(args.begin() == other.begin());
 }
 
 TEST(ArgumentIterator, HandledRemovesInPlaceAndStopsAtTheEnd)
