@@ -1,5 +1,6 @@
 #include <BrindleBaseCore/math/Matrix4x4.h>
 
+#include "Matrix4x4Kernels.h"
 #include "MatrixValues.h"
 
 #include <cfloat>
@@ -333,10 +334,18 @@ Matrix4x4 Matrix4x4::getInverse() const
 {
     if (_identity)
         return Matrix4x4();
+    Matrix4x4 r(NoInit{});
+    switch (Internal::invertFast(_m, r._m)) {
+    case Internal::InverseResult::Inverted:
+        return r;
+    case Internal::InverseResult::Singular:
+        throw Singularity();
+    case Internal::InverseResult::Unsure:
+        break;
+    }
     LuSystem s(_m);
     if (!decompose(s))
         throw Singularity();
-    Matrix4x4 r(NoInit{});
     solveIdentity(s, r._m);
     return r;
 }

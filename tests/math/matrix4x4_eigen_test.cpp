@@ -118,13 +118,15 @@ TEST(Matrix4x4Property, InverseIsTheTextbookLuSolveBitForBit)
 {
     std::mt19937_64 rng(5);
     std::uniform_int_distribution<int> small(-2, 2);
-    std::uniform_real_distribution<double> value(-10, 10);
-    for (int i = 0; i < samples; ++i) {
+    std::uniform_real_distribution<double> value(-10, 10), exponent(-320, 308);
+    for (int i = 0; i < 4 * samples; ++i) {
         double v[16];
         for (double& x : v) {
-            // Small integers give ties, zeros and exact cancellations; a few
-            // huge values overflow the elimination into infinities.
-            switch (i % 4) {
+            // Small integers give ties, zeros and exact cancellations; huge
+            // values overflow the elimination into infinities; wide exponents
+            // reach denormal scale factors; NaNs and infinities take the pivot
+            // rules of the portable path.
+            switch (i % 8) {
             case 0:
                 x = value(rng);
                 break;
@@ -134,8 +136,20 @@ TEST(Matrix4x4Property, InverseIsTheTextbookLuSolveBitForBit)
             case 2:
                 x = small(rng) == 0 ? 0.0 : value(rng);
                 break;
-            default:
+            case 3:
                 x = small(rng) * (small(rng) == 2 ? 1e308 : 1.0);
+                break;
+            case 4:
+                x = value(rng) * std::pow(10.0, exponent(rng));
+                break;
+            case 5:
+                x = small(rng) * (small(rng) == 2 ? 1e-310 : 1.0);
+                break;
+            case 6:
+                x = small(rng) == 2 ? NAN : small(rng) == -2 ? -INFINITY : value(rng);
+                break;
+            default:
+                x = small(rng) * 0.5 + (small(rng) == 2 ? 1e-16 : 0.0);
                 break;
             }
         }
@@ -155,6 +169,31 @@ TEST(Matrix4x4Property, InverseIsTheTextbookLuSolveBitForBit)
             ASSERT_TRUE(std::memcmp(&got, &expected[k], sizeof got) == 0 ||
                         (std::isnan(got) && std::isnan(expected[k])))
                 << "matrix " << i << " index " << k << ": " << got << " vs " << expected[k];
+        }
+    }
+}
+
+// Whatever the processor, the product is the plain sum in order k = 0..3,
+// without fused multiply-adds.
+TEST(Matrix4x4Property, ProductIsTheOrderedSumBitForBit)
+{
+    std::mt19937_64 rng(6);
+    std::uniform_real_distribution<double> value(-10, 10), exponent(-300, 300);
+    for (int i = 0; i < samples; ++i) {
+        double a[16], b[16];
+        for (int k = 0; k < 16; ++k) {
+            a[k] = value(rng) * std::pow(10.0, exponent(rng));
+            b[k] = value(rng);
+        }
+        Matrix4x4 p = Matrix4x4(a) * Matrix4x4(b);
+        for (int c = 0; c < 4; ++c) {
+            for (int r = 0; r < 4; ++r) {
+                volatile double t0 = a[r] * b[4 * c], t1 = a[4 + r] * b[4 * c + 1];
+                volatile double t2 = a[8 + r] * b[4 * c + 2], t3 = a[12 + r] * b[4 * c + 3];
+                double expected = ((t0 + t1) + t2) + t3;
+                double got = p(Row(r), Column(c));
+                ASSERT_EQ(std::memcmp(&got, &expected, sizeof got), 0) << i << " " << r << c;
+            }
         }
     }
 }
