@@ -90,6 +90,9 @@ struct Lu
     __m256d scale;
     __m256d open;     // the lanes not yet picked
     __m256d pivot[4]; // one lane set: the row picked at each step
+    // Row J of U spread across all lanes, kept from step J for the back
+    // substitution: upper[J][J] is the pivot.
+    __m256d upper[4][4];
     __m256d failed;
     bool unsure = false;
 };
@@ -116,6 +119,7 @@ inline void eliminate(Lu& s)
     }
     s.pivot[J] = pick;
     __m256d pivot = orAcross(_mm256_and_pd(column, pick));
+    s.upper[J][J] = pivot;
     s.failed = _mm256_or_pd(
         s.failed, _mm256_cmp_pd(absolute(pivot), _mm256_set1_pd(DBL_EPSILON), _CMP_LT_OQ));
     if constexpr (J < 3) {
@@ -125,6 +129,7 @@ inline void eliminate(Lu& s)
         s.column[J] = _mm256_blendv_pd(column, multipliers, s.open);
         for (int k = J + 1; k < 4; ++k) {
             __m256d u = orAcross(_mm256_and_pd(s.column[k], pick));
+            s.upper[J][k] = u;
             __m256d updated = _mm256_sub_pd(s.column[k], _mm256_mul_pd(multipliers, u));
             s.column[k] = _mm256_blendv_pd(s.column[k], updated, s.open);
         }
@@ -147,18 +152,17 @@ void solveIdentity(Lu const& s, double* out)
         // Entry i of the permuted identity's columns.
         x[i] = _mm256_and_pd(s.pivot[i], one);
     }
-    auto subtract = [&](int i, int k) {
-        __m256d factor = _mm256_broadcast_sd(&lu[k][row[i]]);
+    auto subtract = [&](int i, int k, __m256d factor) {
         x[i] = _mm256_sub_pd(x[i], _mm256_mul_pd(factor, x[k]));
     };
     for (int i = 1; i < 4; ++i) {
         for (int k = 0; k < i; ++k)
-            subtract(i, k);
+            subtract(i, k, _mm256_broadcast_sd(&lu[k][row[i]]));
     }
     for (int i = 3; i >= 0; --i) {
         for (int k = i + 1; k < 4; ++k)
-            subtract(i, k);
-        x[i] = _mm256_div_pd(x[i], _mm256_broadcast_sd(&lu[i][row[i]]));
+            subtract(i, k, s.upper[i][k]);
+        x[i] = _mm256_div_pd(x[i], s.upper[i][i]);
     }
     // Rows of x to columns of the result.
     __m256d t0 = _mm256_unpacklo_pd(x[0], x[1]), t1 = _mm256_unpackhi_pd(x[0], x[1]);
