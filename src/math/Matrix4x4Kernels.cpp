@@ -4,7 +4,7 @@
 
 #include <cfloat>
 
-#if defined(__x86_64__)
+#if defined(__SSE2__)
 #include <immintrin.h>
 #endif
 
@@ -45,7 +45,8 @@ void productPortable(double const* a, double const* b, double* r)
 #endif
 }
 
-InverseResult invertPortable(double const*, double*)
+// Without vector units the portable code does all the work.
+InverseResult noVectorInverse(double const*, double*)
 {
     return InverseResult::Unsure;
 }
@@ -206,31 +207,33 @@ InverseResult invertAvx2(double const* m, double* out)
 
 #pragma GCC pop_options
 
+bool hasAvx2()
+{
+    __builtin_cpu_init();
+    return __builtin_cpu_supports("avx2");
+}
+
 #endif
 
 } // namespace
 
-extern "C" {
-
 // Resolvers of the functions below, run by the dynamic loader.
+extern "C" {
 static ProductFunction* brindleResolveProduct4x4()
 {
 #if defined(__x86_64__)
-    __builtin_cpu_init();
-    if (__builtin_cpu_supports("avx2"))
+    if (hasAvx2())
         return productAvx;
 #endif
     return productPortable;
 }
-
 static InverseFunction* brindleResolveInverse4x4()
 {
 #if defined(__x86_64__)
-    __builtin_cpu_init();
-    if (__builtin_cpu_supports("avx2"))
+    if (hasAvx2())
         return invertAvx2;
 #endif
-    return invertPortable;
+    return noVectorInverse;
 }
 }
 
