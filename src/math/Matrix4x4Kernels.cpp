@@ -2,6 +2,7 @@
 
 #include <BrindleBaseCore/math/Matrix4x4.h>
 
+#include <atomic>
 #include <cfloat>
 
 #if defined(__SSE2__)
@@ -215,32 +216,46 @@ bool hasAvx2()
 
 #endif
 
+// Each entry point jumps through a pointer that starts at a function which
+// asks the processor, stores its choice and runs it. Threads that race there
+// store the same choice.
+void chooseProduct(double const* a, double const* b, double* r);
+InverseResult chooseInverse(double const* m, double* out);
+constinit std::atomic<ProductFunction*> productChoice{chooseProduct};
+constinit std::atomic<InverseFunction*> inverseChoice{chooseInverse};
+
+void chooseProduct(double const* a, double const* b, double* r)
+{
+    ProductFunction* chosen = productPortable;
+#if defined(__x86_64__)
+    if (hasAvx2())
+        chosen = productAvx;
+#endif
+    productChoice.store(chosen, std::memory_order_relaxed);
+    chosen(a, b, r);
+}
+
+InverseResult chooseInverse(double const* m, double* out)
+{
+    InverseFunction* chosen = noVectorInverse;
+#if defined(__x86_64__)
+    if (hasAvx2())
+        chosen = invertAvx2;
+#endif
+    inverseChoice.store(chosen, std::memory_order_relaxed);
+    return chosen(m, out);
+}
+
 } // namespace
 
-// Resolvers of the functions below, run by the dynamic loader.
-extern "C" {
-static ProductFunction* brindleResolveProduct4x4()
-{
-#if defined(__x86_64__)
-    if (hasAvx2())
-        return productAvx;
-#endif
-    return productPortable;
-}
-static InverseFunction* brindleResolveInverse4x4()
-{
-#if defined(__x86_64__)
-    if (hasAvx2())
-        return invertAvx2;
-#endif
-    return noVectorInverse;
-}
-}
-
 void multiply4x4(double const* a, double const* b, double* r)
-    __attribute__((ifunc("brindleResolveProduct4x4")));
+{
+    productChoice.load(std::memory_order_relaxed)(a, b, r);
+}
 
 InverseResult invertFast(double const* m, double* out)
-    __attribute__((ifunc("brindleResolveInverse4x4")));
+{
+    return inverseChoice.load(std::memory_order_relaxed)(m, out);
+}
 
 } // namespace Math::Internal
