@@ -174,6 +174,17 @@ void solveIdentity(LuSystem const& s, double* out)
     }
 }
 
+// The inverse by the portable code; false when the decomposition fails. Out
+// of line, so that the vector path keeps a small frame.
+[[gnu::noinline]] bool invertPortable(double const* m, double* out)
+{
+    LuSystem s(m);
+    if (!decompose(s))
+        return false;
+    solveIdentity(s, out);
+    return true;
+}
+
 double det3(double a, double b, double c, double d, double e, double f, double g, double h,
             double i)
 {
@@ -332,21 +343,17 @@ Point4d Matrix4x4::operator*(Point4d const& p) const
 
 Matrix4x4 Matrix4x4::getInverse() const
 {
-    if (_identity)
-        return Matrix4x4();
+    // One named result on every path, so that it is built in place.
     Matrix4x4 r(NoInit{});
-    switch (Internal::invertFast(_m, r._m)) {
-    case Internal::InverseResult::Inverted:
+    if (_identity) {
+        r = Matrix4x4();
         return r;
-    case Internal::InverseResult::Singular:
-        throw Singularity();
-    case Internal::InverseResult::Unsure:
-        break;
     }
-    LuSystem s(_m);
-    if (!decompose(s))
-        throw Singularity();
-    solveIdentity(s, r._m);
+    Internal::InverseResult result = Internal::invertFast(_m, r._m);
+    if (result != Internal::InverseResult::Inverted) [[unlikely]] {
+        if (result == Internal::InverseResult::Singular || !invertPortable(_m, r._m))
+            throw Singularity();
+    }
     return r;
 }
 

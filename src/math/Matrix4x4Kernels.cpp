@@ -2,9 +2,10 @@
 
 #include <BrindleBaseCore/math/Matrix4x4.h>
 
+#include <atomic>
 #include <cfloat>
 
-#if defined(__x86_64__)
+#if defined(__SSE2__)
 #include <immintrin.h>
 #endif
 
@@ -45,7 +46,8 @@ void productPortable(double const* a, double const* b, double* r)
 #endif
 }
 
-InverseResult invertPortable(double const*, double*)
+// Without vector units the portable code does all the work.
+InverseResult noVectorInverse(double const*, double*)
 {
     return InverseResult::Unsure;
 }
@@ -90,6 +92,9 @@ struct Lu
     __m256d scale;
     __m256d open;     // the lanes not yet picked
     __m256d pivot[4]; // one lane set: the row picked at each step
+    // Row J of U spread across all lanes, kept from step J for the back
+    // substitution: upper[J][J] is the pivot.
+    __m256d upper[4][4];
     __m256d failed;
     bool unsure = false;
 };
@@ -116,6 +121,7 @@ inline void eliminate(Lu& s)
     }
     s.pivot[J] = pick;
     __m256d pivot = orAcross(_mm256_and_pd(column, pick));
+    s.upper[J][J] = pivot;
     s.failed = _mm256_or_pd(
         s.failed, _mm256_cmp_pd(absolute(pivot), _mm256_set1_pd(DBL_EPSILON), _CMP_LT_OQ));
     if constexpr (J < 3) {
@@ -125,6 +131,7 @@ inline void eliminate(Lu& s)
         s.column[J] = _mm256_blendv_pd(column, multipliers, s.open);
         for (int k = J + 1; k < 4; ++k) {
             __m256d u = orAcross(_mm256_and_pd(s.column[k], pick));
+            s.upper[J][k] = u;
             __m256d updated = _mm256_sub_pd(s.column[k], _mm256_mul_pd(multipliers, u));
             s.column[k] = _mm256_blendv_pd(s.column[k], updated, s.open);
         }
@@ -147,18 +154,17 @@ void solveIdentity(Lu const& s, double* out)
         // Entry i of the permuted identity's columns.
         x[i] = _mm256_and_pd(s.pivot[i], one);
     }
-    auto subtract = [&](int i, int k) {
-        __m256d factor = _mm256_broadcast_sd(&lu[k][row[i]]);
+    auto subtract = [&](int i, int k, __m256d factor) {
         x[i] = _mm256_sub_pd(x[i], _mm256_mul_pd(factor, x[k]));
     };
     for (int i = 1; i < 4; ++i) {
         for (int k = 0; k < i; ++k)
-            subtract(i, k);
+            subtract(i, k, _mm256_broadcast_sd(&lu[k][row[i]]));
     }
     for (int i = 3; i >= 0; --i) {
         for (int k = i + 1; k < 4; ++k)
-            subtract(i, k);
-        x[i] = _mm256_div_pd(x[i], _mm256_broadcast_sd(&lu[i][row[i]]));
+            subtract(i, k, s.upper[i][k]);
+        x[i] = _mm256_div_pd(x[i], s.upper[i][i]);
     }
     // Rows of x to columns of the result.
     __m256d t0 = _mm256_unpacklo_pd(x[0], x[1]), t1 = _mm256_unpackhi_pd(x[0], x[1]);
@@ -202,38 +208,54 @@ InverseResult invertAvx2(double const* m, double* out)
 
 #pragma GCC pop_options
 
+bool hasAvx2()
+{
+    __builtin_cpu_init();
+    return __builtin_cpu_supports("avx2");
+}
+
 #endif
+
+// Each entry point jumps through a pointer that starts at a function which
+// asks the processor, stores its choice and runs it. Threads that race there
+// store the same choice.
+void chooseProduct(double const* a, double const* b, double* r);
+InverseResult chooseInverse(double const* m, double* out);
+constinit std::atomic<ProductFunction*> productChoice{chooseProduct};
+constinit std::atomic<InverseFunction*> inverseChoice{chooseInverse};
+
+void chooseProduct(double const* a, double const* b, double* r)
+{
+    ProductFunction* chosen = productPortable;
+#if defined(__x86_64__)
+    if (hasAvx2())
+        chosen = productAvx;
+#endif
+    productChoice.store(chosen, std::memory_order_relaxed);
+    chosen(a, b, r);
+}
+
+InverseResult chooseInverse(double const* m, double* out)
+{
+    InverseFunction* chosen = noVectorInverse;
+#if defined(__x86_64__)
+    if (hasAvx2())
+        chosen = invertAvx2;
+#endif
+    inverseChoice.store(chosen, std::memory_order_relaxed);
+    return chosen(m, out);
+}
 
 } // namespace
 
-extern "C" {
-
-// Resolvers of the functions below, run by the dynamic loader.
-static ProductFunction* brindleResolveProduct4x4()
-{
-#if defined(__x86_64__)
-    __builtin_cpu_init();
-    if (__builtin_cpu_supports("avx2"))
-        return productAvx;
-#endif
-    return productPortable;
-}
-
-static InverseFunction* brindleResolveInverse4x4()
-{
-#if defined(__x86_64__)
-    __builtin_cpu_init();
-    if (__builtin_cpu_supports("avx2"))
-        return invertAvx2;
-#endif
-    return invertPortable;
-}
-}
-
 void multiply4x4(double const* a, double const* b, double* r)
-    __attribute__((ifunc("brindleResolveProduct4x4")));
+{
+    productChoice.load(std::memory_order_relaxed)(a, b, r);
+}
 
 InverseResult invertFast(double const* m, double* out)
-    __attribute__((ifunc("brindleResolveInverse4x4")));
+{
+    return inverseChoice.load(std::memory_order_relaxed)(m, out);
+}
 
 } // namespace Math::Internal

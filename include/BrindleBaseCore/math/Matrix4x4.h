@@ -108,10 +108,12 @@ public:
     void multiply(Matrix4x4 const& b) { *this *= b; }
     Matrix4x4 operator*(Matrix4x4 const& b) const
     {
-        if (_identity | b._identity) [[unlikely]]
-            return b._identity ? *this : b;
+        // One named result on every path, so that it is built in place.
         Matrix4x4 r(NoInit{});
-        product(_m, b._m, r._m);
+        if (_identity | b._identity) [[unlikely]]
+            r = b._identity ? *this : b;
+        else
+            product(_m, b._m, r._m);
         return r;
     }
 
