@@ -12,6 +12,43 @@
 
 namespace Math {
 
+namespace detail {
+
+// The two coordinates shared by Vector2d and Point2d: stored contiguously
+// (x, y), read and written in both generations' spellings. Not used on its own.
+class Coordinates2d
+{
+public:
+    double GetX() const { return _x; }
+    double GetY() const { return _y; }
+    double x() const { return _x; }
+    double y() const { return _y; }
+    double& x() { return _x; }
+    double& y() { return _y; }
+    void SetX(double v) { _x = v; }
+    void SetY(double v) { _y = v; }
+    void SetXY(double px, double py) { _x = px, _y = py; }
+    void setX(double v) { _x = v; }
+    void setY(double v) { _y = v; }
+    void setXY(double px, double py) { _x = px, _y = py; }
+    double operator()(Axis2d a) const { return (&_x)[int(a)]; }
+    double& operator()(Axis2d a) { return (&_x)[int(a)]; }
+    double const* asArray() const { return &_x; }
+    double* asArray() { return &_x; }
+
+protected:
+    Coordinates2d() = default;
+    Coordinates2d(double px, double py)
+        : _x(px)
+        , _y(py)
+    {}
+
+    double _x = 0.0;
+    double _y = 0.0;
+};
+
+} // namespace detail
+
 class Matrix2x3;
 class Point2d;
 
@@ -39,35 +76,15 @@ private:
 
 // A free vector of the plane. Every test below is exact (no tolerance); the
 // angle and normalising functions give fixed results for the zero vector.
-class BRINDLE_EXPORT Vector2d
+class BRINDLE_EXPORT Vector2d : public detail::Coordinates2d
 {
     friend class Point2d;
-    double _x = 0.0;
-    double _y = 0.0;
 
 public:
     Vector2d() = default;
     Vector2d(double px, double py)
-        : _x(px)
-        , _y(py)
+        : Coordinates2d(px, py)
     {}
-
-    double GetX() const { return _x; }
-    double GetY() const { return _y; }
-    double x() const { return _x; }
-    double y() const { return _y; }
-    double& x() { return _x; }
-    double& y() { return _y; }
-    void SetX(double v) { _x = v; }
-    void SetY(double v) { _y = v; }
-    void SetXY(double px, double py) { _x = px, _y = py; }
-    void setX(double v) { _x = v; }
-    void setY(double v) { _y = v; }
-    void setXY(double px, double py) { _x = px, _y = py; }
-    double operator()(Axis2d a) const { return (&_x)[int(a)]; }
-    double& operator()(Axis2d a) { return (&_x)[int(a)]; }
-    double const* asArray() const { return &_x; }
-    double* asArray() { return &_x; }
 
     Vector2d operator+(Vector2d const& v) const { return {_x + v._x, _y + v._y}; }
     Vector2d operator-(Vector2d const& v) const { return {_x - v._x, _y - v._y}; }
@@ -196,39 +213,18 @@ inline Vector2d operator*(double f, Vector2d const& v)
 }
 
 // A position in the plane.
-class BRINDLE_EXPORT Point2d
+class BRINDLE_EXPORT Point2d : public detail::Coordinates2d
 {
     friend class Vector2d;
-    double _x = 0.0;
-    double _y = 0.0;
 
 public:
     Point2d() = default;
     Point2d(double px, double py)
-        : _x(px)
-        , _y(py)
+        : Coordinates2d(px, py)
     {}
     explicit Point2d(Point2di const& p)
-        : _x(p.x())
-        , _y(p.y())
+        : Coordinates2d(p.x(), p.y())
     {}
-
-    double GetX() const { return _x; }
-    double GetY() const { return _y; }
-    double x() const { return _x; }
-    double y() const { return _y; }
-    double& x() { return _x; }
-    double& y() { return _y; }
-    void SetX(double v) { _x = v; }
-    void SetY(double v) { _y = v; }
-    void SetXY(double px, double py) { _x = px, _y = py; }
-    void setX(double v) { _x = v; }
-    void setY(double v) { _y = v; }
-    void setXY(double px, double py) { _x = px, _y = py; }
-    double operator()(Axis2d a) const { return (&_x)[int(a)]; }
-    double& operator()(Axis2d a) { return (&_x)[int(a)]; }
-    double const* asArray() const { return &_x; }
-    double* asArray() { return &_x; }
 
     Point2d operator+(Vector2d const& v) const { return {_x + v._x, _y + v._y}; }
     Point2d operator-(Vector2d const& v) const { return {_x - v._x, _y - v._y}; }

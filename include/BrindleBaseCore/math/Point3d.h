@@ -14,27 +14,13 @@
 
 namespace Math {
 
-class Matrix4x4;
-class Point3d;
+namespace detail {
 
-class BRINDLE_EXPORT Vector3d
+// The three coordinates shared by Vector3d, Point3d and Angle3d: stored
+// contiguously (x, y, z) and read or written by axis. Not used on its own.
+class Coordinates3d
 {
 public:
-    Vector3d() = default;
-    Vector3d(double px, double py, double pz)
-        : _x(px)
-        , _y(py)
-        , _z(pz)
-    {}
-    explicit Vector3d(Vector2d const& v)
-        : _x(v.x())
-        , _y(v.y())
-        , _z(0.0)
-    {}
-    explicit Vector3d(Point3d const& p);
-    // to − from.
-    Vector3d(Point3d const& from, Point3d const& to);
-
     double x() const { return _x; }
     double y() const { return _y; }
     double z() const { return _z; }
@@ -49,6 +35,38 @@ public:
     double& operator()(Axis3d a) { return (&_x)[int(a)]; }
     double const* asArray() const { return &_x; }
     double* asArray() { return &_x; }
+
+protected:
+    Coordinates3d() = default;
+    Coordinates3d(double px, double py, double pz)
+        : _x(px)
+        , _y(py)
+        , _z(pz)
+    {}
+
+    double _x = 0.0;
+    double _y = 0.0;
+    double _z = 0.0;
+};
+
+} // namespace detail
+
+class Matrix4x4;
+class Point3d;
+
+class BRINDLE_EXPORT Vector3d : public detail::Coordinates3d
+{
+public:
+    Vector3d() = default;
+    Vector3d(double px, double py, double pz)
+        : Coordinates3d(px, py, pz)
+    {}
+    explicit Vector3d(Vector2d const& v)
+        : Coordinates3d(v.x(), v.y(), 0.0)
+    {}
+    explicit Vector3d(Point3d const& p);
+    // to − from.
+    Vector3d(Point3d const& from, Point3d const& to);
 
     Vector3d operator+(Vector3d const& v) const { return {_x + v._x, _y + v._y, _z + v._z}; }
     Vector3d operator-(Vector3d const& v) const { return {_x - v._x, _y - v._y, _z - v._z}; }
@@ -97,11 +115,6 @@ public:
 
     // Writes "    label : (x, y, z)" to standard output.
     void debugPrint(char const* label) const;
-
-private:
-    double _x = 0.0;
-    double _y = 0.0;
-    double _z = 0.0;
 };
 
 inline Vector3d operator*(double f, Vector3d const& v)
@@ -109,40 +122,19 @@ inline Vector3d operator*(double f, Vector3d const& v)
     return v * f;
 }
 
-class BRINDLE_EXPORT Point3d
+class BRINDLE_EXPORT Point3d : public detail::Coordinates3d
 {
 public:
     Point3d() = default;
     Point3d(double px, double py, double pz)
-        : _x(px)
-        , _y(py)
-        , _z(pz)
+        : Coordinates3d(px, py, pz)
     {}
     Point3d(Point2d const& p, double pz)
-        : _x(p.x())
-        , _y(p.y())
-        , _z(pz)
+        : Coordinates3d(p.x(), p.y(), pz)
     {}
     explicit Point3d(Vector3d const& v)
-        : _x(v.x())
-        , _y(v.y())
-        , _z(v.z())
+        : Coordinates3d(v.x(), v.y(), v.z())
     {}
-
-    double x() const { return _x; }
-    double y() const { return _y; }
-    double z() const { return _z; }
-    double& x() { return _x; }
-    double& y() { return _y; }
-    double& z() { return _z; }
-    void setX(double v) { _x = v; }
-    void setY(double v) { _y = v; }
-    void setZ(double v) { _z = v; }
-    void setXYZ(double px, double py, double pz) { _x = px, _y = py, _z = pz; }
-    double operator()(Axis3d a) const { return (&_x)[int(a)]; }
-    double& operator()(Axis3d a) { return (&_x)[int(a)]; }
-    double const* asArray() const { return &_x; }
-    double* asArray() { return &_x; }
 
     Point3d operator+(Vector3d const& v) const { return {_x + v.x(), _y + v.y(), _z + v.z()}; }
     Point3d operator-(Vector3d const& v) const { return {_x - v.x(), _y - v.y(), _z - v.z()}; }
@@ -179,17 +171,10 @@ public:
         return {s * a._x + t * b._x + u * c._x, s * a._y + t * b._y + u * c._y,
                 s * a._z + t * b._z + u * c._z};
     }
-
-private:
-    double _x = 0.0;
-    double _y = 0.0;
-    double _z = 0.0;
 };
 
 inline Vector3d::Vector3d(Point3d const& p)
-    : _x(p.x())
-    , _y(p.y())
-    , _z(p.z())
+    : Coordinates3d(p.x(), p.y(), p.z())
 {}
 inline Vector3d::Vector3d(Point3d const& from, Point3d const& to)
     : Vector3d(to - from)
@@ -297,33 +282,16 @@ private:
 };
 
 // Rotation angles in degrees about the X, Y and Z axes.
-class BRINDLE_EXPORT Angle3d
+class BRINDLE_EXPORT Angle3d : public detail::Coordinates3d
 {
 public:
     Angle3d() = default;
     Angle3d(double px, double py, double pz)
-        : _x(px)
-        , _y(py)
-        , _z(pz)
+        : Coordinates3d(px, py, pz)
     {}
     // The heading (y, from +Z towards +X) and pitch (x, positive downwards)
     // of a direction; no roll.
     explicit Angle3d(Vector3d const& direction);
-
-    double x() const { return _x; }
-    double y() const { return _y; }
-    double z() const { return _z; }
-    double& x() { return _x; }
-    double& y() { return _y; }
-    double& z() { return _z; }
-    void setX(double v) { _x = v; }
-    void setY(double v) { _y = v; }
-    void setZ(double v) { _z = v; }
-    void setXYZ(double px, double py, double pz) { _x = px, _y = py, _z = pz; }
-    double operator()(Axis3d a) const { return (&_x)[int(a)]; }
-    double& operator()(Axis3d a) { return (&_x)[int(a)]; }
-    double const* asArray() const { return &_x; }
-    double* asArray() { return &_x; }
 
     // Component by component, no wrapping.
     Angle3d operator+(Angle3d const& a) const { return {_x + a._x, _y + a._y, _z + a._z}; }
@@ -345,11 +313,6 @@ public:
     Matrix4x4 toRotationMatrix() const;
     // toRotationMatrix() applied to (0, 0, 1).
     Vector3d toNormal() const;
-
-private:
-    double _x = 0.0;
-    double _y = 0.0;
-    double _z = 0.0;
 };
 
 static_assert(sizeof(Vector3d) == 3 * sizeof(double) && std::is_standard_layout_v<Vector3d>);
