@@ -14,6 +14,6 @@
 
 #include <BrindleBaseCore/Version.h>
 
-// The version of the library the application runs with (may differ from
-// BRINDLEBASECORE_VERSION_STRING, the version it was compiled against).
+/// The version of the library the application runs with (may differ from
+/// BRINDLEBASECORE_VERSION_STRING, the version it was compiled against).
 BRINDLE_EXPORT char const* brindleBaseCoreVersion();

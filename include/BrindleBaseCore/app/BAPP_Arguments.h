@@ -8,9 +8,9 @@
 
 class BAPP_ArgumentIterator;
 
-// A shared, copy-on-write list of arguments (UTF-8 decoded). Reading past the
-// end gives a null string rather than failing, so option parsers can look
-// ahead without checking the size first.
+/// A shared, copy-on-write list of arguments (UTF-8 decoded). Reading past the
+/// end gives a null string rather than failing, so option parsers can look
+/// ahead without checking the size first.
 class BRINDLE_EXPORT BAPP_Arguments
 {
 public:
@@ -22,11 +22,11 @@ public:
     qsizetype count() const { return m_list.size(); }
     qsizetype size() const { return m_list.size(); }
 
-    // A copy of the argument, or a null string when index is out of range.
+    /// A copy of the argument, or a null string when index is out of range.
     QString at(qsizetype index) const;
     QString operator[](qsizetype index) const { return at(index); }
 
-    // Removes one argument; an index out of range is ignored.
+    /// Removes one argument; an index out of range is ignored.
     void erase(qsizetype index);
 
     BAPP_ArgumentIterator begin();
@@ -39,12 +39,12 @@ private:
     QList<QString> m_list;
 };
 
-// A position in a BAPP_Arguments list. Used to walk options and consume them:
-//
-//   for (auto it = args.begin(); it.hasMoreArgument(1);) {
-//       if (*it == u"-size" && it.hasMoreArgument(2)) { size = it[1]; it.handled(2); }
-//       else ++it;
-//   }
+/// A position in a BAPP_Arguments list. Used to walk options and consume them:
+///
+///   for (auto it = args.begin(); it.hasMoreArgument(1);) {
+///       if (*it == u"-size" && it.hasMoreArgument(2)) { size = it[1]; it.handled(2); }
+///       else ++it;
+///   }
 class BRINDLE_EXPORT BAPP_ArgumentIterator
 {
 public:
@@ -53,10 +53,10 @@ public:
         , m_index(index)
     {}
 
-    // The argument at the iterator (a null string past the end).
+    /// The argument at the iterator (a null string past the end).
     QString const& operator*() const;
     QString const* operator->() const { return &**this; }
-    // The argument k places further on.
+    /// The argument k places further on.
     QString operator[](qint64 k) const;
 
     BAPP_ArgumentIterator& operator++()
@@ -70,13 +70,13 @@ public:
         return *this;
     }
 
-    // True when index + n is at most the size: hasMoreArgument(1) asks whether
-    // the iterator stands on an argument, hasMoreArgument(2) whether an option
-    // there has its value.
+    /// True when index + n is at most the size: hasMoreArgument(1) asks whether
+    /// the iterator stands on an argument, hasMoreArgument(2) whether an option
+    /// there has its value.
     bool hasMoreArgument(qint64 n) const;
-    // Removes n arguments from the current one on (fewer when the end comes
-    // first). The iterator keeps its index, so it then stands on the argument
-    // that followed the removed ones.
+    /// Removes n arguments from the current one on (fewer when the end comes
+    /// first). The iterator keeps its index, so it then stands on the argument
+    /// that followed the removed ones.
     void handled(qint64 n);
 
     qint64 index() const { return m_index; }

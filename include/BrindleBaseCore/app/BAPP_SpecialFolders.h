@@ -9,10 +9,10 @@
 
 #include <array>
 
-// The installation's folders. Every read gives a path with '/' separators, or
-// an empty string when the folder could not be placed. A folder that does not
-// exist never makes the computation fail: it falls back to the nearest folder
-// that does (see BAPP_SpecialFoldersImpl).
+/// The installation's folders. Every read gives a path with '/' separators, or
+/// an empty string when the folder could not be placed. A folder that does not
+/// exist never makes the computation fail: it falls back to the nearest folder
+/// that does (see BAPP_SpecialFoldersImpl).
 class BRINDLE_EXPORT BAPP_SpecialFolders : public QObject
 {
     Q_OBJECT
@@ -39,39 +39,39 @@ public:
     virtual QString userScripts() const = 0;
     virtual QString userLayouts() const = 0;
     virtual QString database() const = 0;
-    // The user's library of templates: the documents folder plus
-    // "Brindle <flavour> Library" (the flavour from the identity service).
+    /// The user's library of templates: the documents folder plus
+    /// "Brindle <flavour> Library" (the flavour from the identity service).
     virtual QString templateLibrary() const = 0;
 
-    // The help folder beside htmlHelp, and the third-party programs folder.
+    /// The help folder beside htmlHelp, and the third-party programs folder.
     virtual QString help() const = 0;
     virtual QString bin3rdParty() const = 0;
 
-    // userConfig() + "/" + subPath (no second '/' when the folder ends with
-    // one); the bare folder when either is empty.
+    /// userConfig() + "/" + subPath (no second '/' when the folder ends with
+    /// one); the bare folder when either is empty.
     virtual QString userConfigPath(QString const& subPath) const = 0;
 
     virtual void setLang(QString const& folder) = 0;
     virtual void setUserConfig(QString const& folder) = 0;
-    // Stores the path after remapping it (BAPP_RemapPath).
+    /// Stores the path after remapping it (BAPP_RemapPath).
     virtual void setDatabase(QString const& folder) = 0;
     virtual void setUserScripts(QString const& folder) = 0;
     virtual void setUserLayouts(QString const& folder) = 0;
 };
 
-// The folders computed from a path. The layout looked for is
-//
-//   ROOT/win64/bin/<program>    (or .../bin/bin_3rdParty/<program>)
-//   ROOT/win64/lib, ROOT/win32/bin, ROOT/{etc,resources,lang,help,plugins}
-//
-// Each folder is entered only when it exists, so a missing one leaves the
-// folder it would have been entered from (a missing ROOT/lang gives ROOT).
-// The folder values are published as Qt properties; the object's name is
-// "specialFolders".
+/// The folders computed from a path. The layout looked for is
+///
+///   ROOT/win64/bin/<program>    (or .../bin/bin_3rdParty/<program>)
+///   ROOT/win64/lib, ROOT/win32/bin, ROOT/{etc,resources,lang,help,plugins}
+///
+/// Each folder is entered only when it exists, so a missing one leaves the
+/// folder it would have been entered from (a missing ROOT/lang gives ROOT).
+/// The folder values are published as Qt properties; the object's name is
+/// "specialFolders".
 class BRINDLE_EXPORT BAPP_SpecialFoldersImpl : public BAPP_SpecialFolders
 {
     Q_OBJECT
-    // The order of these properties is part of the interface.
+    /// The order of these properties is part of the interface.
     Q_PROPERTY(QString root READ root CONSTANT)
     Q_PROPERTY(QString config READ config CONSTANT)
     Q_PROPERTY(QString resource READ resource CONSTANT)
@@ -93,14 +93,14 @@ class BRINDLE_EXPORT BAPP_SpecialFoldersImpl : public BAPP_SpecialFolders
     Q_PROPERTY(QString templateLibrary READ templateLibrary)
 
 public:
-    // No folder computed: every read is empty until set.
+    /// No folder computed: every read is empty until set.
     BAPP_SpecialFoldersImpl();
-    // Computes the folders from the path of a program (pathIsExecutable) or
-    // from a folder inside an installation, searched upward for "win64/bin".
-    // Also fills "temp" and "database" from the environment; when "ZEKDB" is
-    // not set, "database" is "/ZEK_DB" and ZEKDB=/ZEK_DB is put in the
-    // process environment so that child processes see it too. A path without
-    // any '/' computes nothing at all.
+    /// Computes the folders from the path of a program (pathIsExecutable) or
+    /// from a folder inside an installation, searched upward for "win64/bin".
+    /// Also fills "temp" and "database" from the environment; when "ZEKDB" is
+    /// not set, "database" is "/ZEK_DB" and ZEKDB=/ZEK_DB is put in the
+    /// process environment so that child processes see it too. A path without
+    /// any '/' computes nothing at all.
     BAPP_SpecialFoldersImpl(QString const& path, bool pathIsExecutable);
     ~BAPP_SpecialFoldersImpl() override;
 
@@ -165,20 +165,20 @@ private:
     void computeUnderRoot();
     void computeUnderPlatform();
     void computeFromEnvironment();
-    // Sets a folder unless it already has a value; true when it was set.
+    /// Sets a folder unless it already has a value; true when it was set.
     bool setOnce(Folder folder, QString const& path);
     void setBinOnce(QString const& path);
 
     std::array<QString, FolderCount> m_folders;
 };
 
-// The process's folders, computed from the running program's path on first
-// use. Created once (not thread-safe: first use must be on the main thread)
-// and never destroyed.
+/// The process's folders, computed from the running program's path on first
+/// use. Created once (not thread-safe: first use must be on the main thread)
+/// and never destroyed.
 BRINDLE_EXPORT BAPP_SpecialFolders* BAPP_SharedSpecialFolders();
 
-// Creates the process's folders from the given path when they do not exist
-// yet, and returns them. When they already exist they are returned unchanged
-// and the path is ignored.
+/// Creates the process's folders from the given path when they do not exist
+/// yet, and returns them. When they already exist they are returned unchanged
+/// and the path is ignored.
 BRINDLE_EXPORT BAPP_SpecialFolders* BAPP_CreateSharedSpecialFoldersWithPath(QString const& path,
                                                                             bool pathIsExecutable);

@@ -12,27 +12,27 @@ class MSG_Text;
 class PL_FileSpec;
 class QTextStream;
 
-// TULex: the tokenizer of the suite's text formats.
-//
-// A lexer reads an 8-bit text (ending at its first NUL byte) one token at a
-// time: the current token is always available and get() replaces it with the
-// next one. Tokens are names (runs of name characters), single punctuation
-// characters, and, in the default dialect, double-quoted strings with
-// backslash escapes. The comma-driven dialect (setCommaDriven) reads
-// comma-separated data: commas stand alone, "#" starts a comment line and
-// double quotes are skipped like blanks.
-//
-// An empty current token means the end of the text (eof()). Syntax errors are
-// reported as warnings on the message channel naming the line and the token;
-// reading goes on and isError() tells afterwards. Nothing throws.
-//
-// Not thread-safe; one lexer per reader. The text given to the in-place
-// constructors is not copied and must outlive the lexer.
+/// TULex: the tokenizer of the suite's text formats.
+///
+/// A lexer reads an 8-bit text (ending at its first NUL byte) one token at a
+/// time: the current token is always available and get() replaces it with the
+/// next one. Tokens are names (runs of name characters), single punctuation
+/// characters, and, in the default dialect, double-quoted strings with
+/// backslash escapes. The comma-driven dialect (setCommaDriven) reads
+/// comma-separated data: commas stand alone, "#" starts a comment line and
+/// double quotes are skipped like blanks.
+///
+/// An empty current token means the end of the text (eof()). Syntax errors are
+/// reported as warnings on the message channel naming the line and the token;
+/// reading goes on and isError() tells afterwards. Nothing throws.
+///
+/// Not thread-safe; one lexer per reader. The text given to the in-place
+/// constructors is not copied and must outlive the lexer.
 class BRINDLE_EXPORT TULex
 {
 public:
-    // The process-wide compatibility setting of the readers; the readers that
-    // use it decide what each value means.
+    /// The process-wide compatibility setting of the readers; the readers that
+    /// use it decide what each value means.
     enum CompatWithVersion : int
     {
         CompatCurrent = 0
@@ -46,14 +46,14 @@ public:
     TULex(TULex const&) = delete;
     TULex& operator=(TULex const&) = delete;
 
-    // Reads a whole file and its first token, line 1. False (lexer unchanged)
-    // when the file cannot be opened for reading.
+    /// Reads a whole file and its first token, line 1. False (lexer unchanged)
+    /// when the file cannot be opened for reading.
     bool openFile(PL_FileSpec const& file);
     bool openFile(QString const& path);
 
-    // Advances to the next token. With raw true a token runs up to the next
-    // blank, tab or line feed (or comma in the comma-driven dialect) instead of
-    // stopping at the first character that cannot be part of a name.
+    /// Advances to the next token. With raw true a token runs up to the next
+    /// blank, tab or line feed (or comma in the comma-driven dialect) instead of
+    /// stopping at the first character that cannot be part of a name.
     void get(bool raw = false);
     bool eof() const { return m_token.empty(); }
 
@@ -68,47 +68,47 @@ public:
     QString fromUtf8() const; // the token read as UTF-8
     std::string const& asString() const { return m_token; }
 
-    // Numeric value of the token, converted once per token. A token is an int
-    // when a base-10 integer conversion consumes all of it (values beyond 32
-    // bits saturate), and a double when a floating-point conversion does; an
-    // int token is a double too. 0 when the token is not a number.
+    /// Numeric value of the token, converted once per token. A token is an int
+    /// when a base-10 integer conversion consumes all of it (values beyond 32
+    /// bits saturate), and a double when a floating-point conversion does; an
+    /// int token is a double too. 0 when the token is not a number.
     operator int() const;
     operator double() const;
     bool isInt() const;
     bool isDouble() const;
 
-    // Typed reads: on success store the value and advance; get_int/get_double
-    // report "Expecting number." and store 0 on failure. get_bool takes a lone
-    // Y/y or N/n and reports nothing on failure.
+    /// Typed reads: on success store the value and advance; get_int/get_double
+    /// report "Expecting number." and store 0 on failure. get_bool takes a lone
+    /// Y/y or N/n and reports nothing on failure.
     bool get_int(int& value);
     bool get_uint(unsigned& value);
     bool get_double(double& value);
     bool get_bool(bool& value);
-    // Takes only a capital "Y" or "N" (stricter than get_bool on purpose).
+    /// Takes only a capital "Y" or "N" (stricter than get_bool on purpose).
     bool parseBool(bool& value);
-    // Advances past the current token first, then get_double(); a negative
-    // value when negatives are not allowed becomes 0 and is reported.
+    /// Advances past the current token first, then get_double(); a negative
+    /// value when negatives are not allowed becomes 0 and is reported.
     bool parseDouble(double& value, bool allowNegative);
 
-    // Discards the rest of the line (with its line feed) and reads the next token.
+    /// Discards the rest of the line (with its line feed) and reads the next token.
     void skipToNextLine();
-    // The line the reader is on: past the current token's line feed when the
-    // token ended with one.
+    /// The line the reader is on: past the current token's line feed when the
+    /// token ended with one.
     unsigned getLineNo() const { return m_lineNo; }
-    // The line on which the current token starts.
+    /// The line on which the current token starts.
     unsigned getTokenLineNo() const { return m_tokenStartLine; }
 
-    // Reports "Syntax error at line N:\n <message> (<token>)" with error code 3
-    // as a warning and sets isError(). After a successful typed read the line and
-    // the token are those of the value just consumed.
+    /// Reports "Syntax error at line N:\n <message> (<token>)" with error code 3
+    /// as a warning and sets isError(). After a successful typed read the line and
+    /// the token are those of the value just consumed.
     void syntaxErr(MSG_Text const& message);
     bool isError() const { return m_errorSeen; }
 
-    // Switches the comma-driven dialect on; the argument is ignored on purpose.
+    /// Switches the comma-driven dialect on; the argument is ignored on purpose.
     void setCommaDriven(bool on);
-    // Syntax errors are then reported with an answer flag, so that an
-    // interactive channel can offer to ignore further errors: a channel that
-    // clears the flag stops all further reports of this lexer.
+    /// Syntax errors are then reported with an answer flag, so that an
+    /// interactive channel can offer to ignore further errors: a channel that
+    /// clears the flag stops all further reports of this lexer.
     void enableYesToAll() { m_yesToAll = true; }
 
     unsigned versionNumber() const { return m_versionNumber; }
@@ -117,16 +117,16 @@ public:
     void setBuildNumber(unsigned build) { m_buildNumber = build; }
     static unsigned defaultVersionNumber() { return 2501; }
     static unsigned defaultBuildNumber() { return 24106; }
-    // Stores value when set is true; returns the stored setting.
+    /// Stores value when set is true; returns the stored setting.
     static CompatWithVersion compatWithVersion(bool set, CompatWithVersion value);
 
-    // Writers whose output get() reads back as exactly one token equal to the
-    // given text. A name made only of name characters is written bare, anything
-    // else as a quoted string. writeName writes Latin-1 (read back with the
-    // QString conversion; characters outside Latin-1 become '?'), writeNameUtf8
-    // and writeString write UTF-8 (read back with fromUtf8()); the QTextStream
-    // form leaves the encoding to the stream. A NUL character cannot be
-    // represented in the text and is left out.
+    /// Writers whose output get() reads back as exactly one token equal to the
+    /// given text. A name made only of name characters is written bare, anything
+    /// else as a quoted string. writeName writes Latin-1 (read back with the
+    /// QString conversion; characters outside Latin-1 become '?'), writeNameUtf8
+    /// and writeString write UTF-8 (read back with fromUtf8()); the QTextStream
+    /// form leaves the encoding to the stream. A NUL character cannot be
+    /// represented in the text and is left out.
     static void writeName(std::ostream& out, QString const& name);
     static void writeName(QTextStream& out, QString const& name);
     static void writeNameUtf8(std::ostream& out, QString const& name);

@@ -9,51 +9,51 @@
 class MSG_Scope;
 class TUMessageUnsuspend;
 
-// The report channel: one instance per process, reached through instance().
-// The base channel writes the source text of each report to standard error;
-// an application installs its own derived channel with setInstance() to show
-// or log reports its own way. Reports are made through MSG_Scope.
-//
-// Report types: 'I' information, 'T' trace, 'W' warning, 'E' error, 'D' debug;
-// 'Z' (given to interactiveReport) asks a channel to show what it held back
-// while reports were suspended.
-//
-// Nothing is locked apart from the creation of the instance: a channel that
-// receives reports from several threads and needs them ordered locks itself.
-// The order of the virtual operations below is part of the binary interface.
+/// The report channel: one instance per process, reached through instance().
+/// The base channel writes the source text of each report to standard error;
+/// an application installs its own derived channel with setInstance() to show
+/// or log reports its own way. Reports are made through MSG_Scope.
+///
+/// Report types: 'I' information, 'T' trace, 'W' warning, 'E' error, 'D' debug;
+/// 'Z' (given to interactiveReport) asks a channel to show what it held back
+/// while reports were suspended.
+///
+/// Nothing is locked apart from the creation of the instance: a channel that
+/// receives reports from several threads and needs them ordered locks itself.
+/// The order of the virtual operations below is part of the binary interface.
 class BRINDLE_EXPORT TUMessage
 {
 public:
-    // name: the program's name for the default instance. secondFlag is stored
-    // and copied for derived channels; the base channel does not consult it.
+    /// name: the program's name for the default instance. secondFlag is stored
+    /// and copied for derived channels; the base channel does not consult it.
     TUMessage(QString const& name, bool debugMode, bool secondFlag);
     TUMessage(TUMessage const& other);
     virtual ~TUMessage();
 
-    // The channel; creates the default one (named after the program) on first use.
+    /// The channel; creates the default one (named after the program) on first use.
     static TUMessage& instance();
-    // Replaces the channel with a new base channel.
+    /// Replaces the channel with a new base channel.
     static void createInstance(QString const& name, bool debugMode, bool secondFlag);
-    // Reports a warning through the current channel, destroys it and installs
-    // p. Given the current channel itself, it is destroyed all the same and no
-    // channel is left (the next report creates the default one).
+    /// Reports a warning through the current channel, destroys it and installs
+    /// p. Given the current channel itself, it is destroyed all the same and no
+    /// channel is left (the next report creates the default one).
     static void setInstance(TUMessage* p);
     static void releaseInstance();
-    // "[yyyy.MM.dd-hh.mm.ss][pid@tid] message" on standard error; needs no instance.
+    /// "[yyyy.MM.dd-hh.mm.ss][pid@tid] message" on standard error; needs no instance.
     static void LogToStdErr(QString const& message);
 
 protected:
     virtual void warning(QString const& text, QString const& translated, bool* flag);
     virtual void warning(QString const& text, QString const& translated);
-    // Reports the error, calls close() and ends the process with status code
-    // when it is 2 to 8, otherwise with status 1. Does not return.
+    /// Reports the error, calls close() and ends the process with status code
+    /// when it is 2 to 8, otherwise with status 1. Does not return.
     virtual void fatalError(QString const& text, QString const& translated, int code);
     virtual void error(QString const& text, QString const& translated, int code);
     virtual void information(QString const& text, QString const& translated);
     virtual void trace(MSG_Text const& text, int code);
     virtual void trace(QString const& text, QString const& translated, int code);
     virtual void traceLater(QString const& text, QString const& translated, int code);
-    // Written only in debug mode.
+    /// Written only in debug mode.
     virtual void debug(QString const& text, QString const& translated);
 
 public:
@@ -64,17 +64,17 @@ public:
     virtual bool isDirectMode();
     virtual void setSilent(bool on);
     virtual bool isSilent() const;
-    // Prefixes each line of the base channel with the time of day.
+    /// Prefixes each line of the base channel with the time of day.
     virtual void setTimeLogging(bool on);
     virtual bool isTimeLogging() const;
-    // Nested: true suspends, false resumes; the end of the outermost suspension
-    // calls interactiveReport('Z', {}, nullptr).
+    /// Nested: true suspends, false resumes; the end of the outermost suspension
+    /// calls interactiveReport('Z', {}, nullptr).
     virtual void suspendReport(bool suspend);
     virtual bool isReportSuspended();
     virtual void close();
-    // Keeps the most severe (smallest non-zero) code; 0 is ignored.
+    /// Keeps the most severe (smallest non-zero) code; 0 is ignored.
     virtual void catchErrorCode(unsigned int code);
-    // The kept code; 100 when an error was reported without any code.
+    /// The kept code; 100 when an error was reported without any code.
     virtual unsigned int getErrorCode();
     virtual QString getLogContent();
     virtual void clearLog();
@@ -84,11 +84,11 @@ protected:
     virtual void baseWriteLog(QString const& text, QString const& translated);
     virtual void writeLog(char type, QString const& text, QString const& translated, bool report);
     virtual void interactiveReport(char type, QString const& text, bool* flag);
-    // Whether a cached file may be used, from the modification times of
-    // first and second (see the rules in the implementation).
+    /// Whether a cached file may be used, from the modification times of
+    /// first and second (see the rules in the implementation).
     virtual bool okToUseFile(QString const& first, QString const& second);
     virtual void lflush();
-    // "I:", "T:", "W:", "E:", "D:" for those letters, otherwise empty.
+    /// "I:", "T:", "W:", "E:", "D:" for those letters, otherwise empty.
     virtual QString getMsgTypeText(char type);
     virtual void updateErrorCode(unsigned int code);
 
@@ -110,14 +110,14 @@ private:
     TUMessage& operator=(TUMessage const&) = delete;
 };
 
-// A report made when the scope ends: holds a text and an action, and hands the
-// text to TUMessage::instance() from its destructor. An action value outside
-// the enumeration reports nothing.
+/// A report made when the scope ends: holds a text and an action, and hands the
+/// text to TUMessage::instance() from its destructor. An action value outside
+/// the enumeration reports nothing.
 class BRINDLE_EXPORT MSG_Scope : public MSG_Text
 {
 public:
-    // Fixed underlying type: any int may be cast to an Action; other values
-    // report nothing.
+    /// Fixed underlying type: any int may be cast to an Action; other values
+    /// report nothing.
     enum Action : int
     {
         Warning = 0,
@@ -131,22 +131,22 @@ public:
     };
 
     MSG_Scope(MSG_Text const& text, Action action, ErrorCode::Type code = ErrorCode::NoError);
-    // The string as text and translation.
+    /// The string as text and translation.
     MSG_Scope(QString const& text, Action action);
     MSG_Scope(char const* context, char const* source, Action action,
               ErrorCode::Type code = ErrorCode::NoError);
-    // An error whose translation is QObject::tr(source).
+    /// An error whose translation is QObject::tr(source).
     explicit MSG_Scope(char const* source);
     MSG_Scope(char const* source, QString const& translated, Action action);
     MSG_Scope(char const* source, QString const& translated, Action action, bool flag);
-    // The source as both strings, without looking up a translation.
+    /// The source as both strings, without looking up a translation.
     MSG_Scope(char const* source, Action action);
     MSG_Scope(MSG_Scope const& other) = default;
     MSG_Scope& operator=(MSG_Scope const& other) = default;
     ~MSG_Scope();
 
     Action action() const { return m_action; }
-    // The answer flag whose address a flagged warning receives.
+    /// The answer flag whose address a flagged warning receives.
     bool flag() const { return m_flag; }
 
 private:
@@ -154,8 +154,8 @@ private:
     bool m_flag = false;
 };
 
-// Makes the channel silent for the guard's lifetime, then restores the
-// previous setting.
+/// Makes the channel silent for the guard's lifetime, then restores the
+/// previous setting.
 class BRINDLE_EXPORT TUMessageSilent
 {
 public:
@@ -168,7 +168,7 @@ private:
     bool m_wasSilent;
 };
 
-// Suspends reports for the guard's lifetime (suspendReport(true) / (false)).
+/// Suspends reports for the guard's lifetime (suspendReport(true) / (false)).
 class BRINDLE_EXPORT TUMessageSuspend
 {
 public:
@@ -178,8 +178,8 @@ public:
     TUMessageSuspend& operator=(TUMessageSuspend const&) = delete;
 };
 
-// Lifts every suspension for the guard's lifetime. It sets the nesting count
-// directly, bypassing suspendReport, so neither end flushes held reports (intended).
+/// Lifts every suspension for the guard's lifetime. It sets the nesting count
+/// directly, bypassing suspendReport, so neither end flushes held reports (intended).
 class BRINDLE_EXPORT TUMessageUnsuspend
 {
 public:

@@ -9,21 +9,21 @@
 class TUListener;
 class TUListenerWithAutoDisconnect;
 
-// Keeps the listeners that phoned it, ordered by address, and tells them in
-// that order. A tell() made while the teller is already telling is dropped;
-// a teller destroyed while telling tells nobody of its end.
-// A copy shares the listener set without the listeners knowing (intended).
+/// Keeps the listeners that phoned it, ordered by address, and tells them in
+/// that order. A tell() made while the teller is already telling is dropped;
+/// a teller destroyed while telling tells nobody of its end.
+/// A copy shares the listener set without the listeners knowing (intended).
 class BRINDLE_EXPORT TUTeller
 {
 public:
     TUTeller();
     TUTeller(TUTeller const& other);
     TUTeller& operator=(TUTeller const& other);
-    // Calls tellerDestroyed(this) on every listener unless it is telling.
+    /// Calls tellerDestroyed(this) on every listener unless it is telling.
     virtual ~TUTeller();
 
 protected:
-    // Calls hear(this) on every listener.
+    /// Calls hear(this) on every listener.
     void tell();
 
 private:
@@ -37,18 +37,18 @@ private:
     bool* m_destroyedWhileTelling = nullptr;
 };
 
-// Hears the tellers it phoned. A plain listener is not removed from its
-// tellers when it is destroyed: its owner hangs up first (or uses
-// TUListenerWithAutoDisconnect). It has no virtual destructor (intended): it
-// is never deleted through this class.
+/// Hears the tellers it phoned. A plain listener is not removed from its
+/// tellers when it is destroyed: its owner hangs up first (or uses
+/// TUListenerWithAutoDisconnect). It has no virtual destructor (intended): it
+/// is never deleted through this class.
 class BRINDLE_EXPORT TUListener
 {
 public:
     virtual void hear(TUTeller* teller) = 0;
-    // Called while the teller is destroyed; does nothing here.
+    /// Called while the teller is destroyed; does nothing here.
     virtual void tellerDestroyed(TUTeller* teller);
 
-    // Registers with the teller (once); removes the registration.
+    /// Registers with the teller (once); removes the registration.
     void phone(TUTeller* teller);
     void hangUp(TUTeller* teller);
 
@@ -59,8 +59,8 @@ protected:
     ~TUListener() = default;
 };
 
-// A listener that remembers the tellers it phoned and hangs up on all of them
-// when destroyed. A copy takes the set of tellers without phoning them (intended).
+/// A listener that remembers the tellers it phoned and hangs up on all of them
+/// when destroyed. A copy takes the set of tellers without phoning them (intended).
 class BRINDLE_EXPORT TUListenerWithAutoDisconnect : public TUListener
 {
 public:

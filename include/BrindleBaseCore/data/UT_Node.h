@@ -8,15 +8,15 @@
 
 class GR_LayerNode;
 
-// A node of an intrusive ordered tree: derive from it to take part in a tree
-// (parent, first child, siblings) in which every node knows its index among
-// its siblings. A node owns its children, which must be heap objects: the
-// destructor unlinks the node, then deletes its children first to last.
-//
-// Copies are deliberately shallow: the copy constructor and operator= copy the
-// five link fields as they are, so a copy points into the tree without being
-// linked into it. Destroying such a copy deletes the children it points to:
-// assign a default node to it first. Not thread-safe.
+/// A node of an intrusive ordered tree: derive from it to take part in a tree
+/// (parent, first child, siblings) in which every node knows its index among
+/// its siblings. A node owns its children, which must be heap objects: the
+/// destructor unlinks the node, then deletes its children first to last.
+///
+/// Copies are deliberately shallow: the copy constructor and operator= copy the
+/// five link fields as they are, so a copy points into the tree without being
+/// linked into it. Destroying such a copy deletes the children it points to:
+/// assign a default node to it first. Not thread-safe.
 class BRINDLE_EXPORT UT_Node
 {
 public:
@@ -25,17 +25,17 @@ public:
     UT_Node& operator=(UT_Node const&) = default;
     virtual ~UT_Node();
 
-    // Hooks for the application's layer nodes; null here.
+    /// Hooks for the application's layer nodes; null here.
     virtual GR_LayerNode* toLayerNode();
     virtual GR_LayerNode const* toLayerNode() const;
 
-    // The node given to the four linking operations must be unlinked.
+    /// The node given to the four linking operations must be unlinked.
     void AppendChild(UT_Node* node);
     void PreAppendChild(UT_Node* node);
     void AddAfter(UT_Node* node);
-    // This node must have a parent (its first-child link is updated unchecked).
+    /// This node must have a parent (its first-child link is updated unchecked).
     void AddBefore(UT_Node* node);
-    // Unlinks this node from its parent and siblings; its children stay.
+    /// Unlinks this node from its parent and siblings; its children stay.
     void DetachFromGraph();
     void DeleteChildren();
 
@@ -48,27 +48,27 @@ public:
     UT_Node* GetPrevious() { return m_pPrevious; }
     UT_Node const* GetPrevious() const { return m_pPrevious; }
 
-    // The i-th child, or null when there are fewer.
+    /// The i-th child, or null when there are fewer.
     UT_Node* GetChildAt(quint32 i) const;
     quint32 CountImmediateChildren() const;
-    // The last sibling following next links (this node when it is the last).
+    /// The last sibling following next links (this node when it is the last).
     UT_Node* GetLastNext() const;
-    // The topmost ancestor (this node when it has no parent).
+    /// The topmost ancestor (this node when it has no parent).
     UT_Node* GetRootnode() const;
-    // Number of ancestors.
+    /// Number of ancestors.
     quint32 GetLevel() const;
-    // Index among the siblings, 0 for the first.
+    /// Index among the siblings, 0 for the first.
     quint32 GetPosition() const { return m_nIndex; }
 
-    // For a node with children: its first leaf. Otherwise the first leaf
-    // after it (null at the end of the tree).
+    /// For a node with children: its first leaf. Otherwise the first leaf
+    /// after it (null at the end of the tree).
     UT_Node* GetNextLeaf() const;
-    // For a node with children: its last leaf (intended; this is not the
-    // mirror of GetNextLeaf). Otherwise the last leaf before it, or null.
+    /// For a node with children: its last leaf (intended; this is not the
+    /// mirror of GetNextLeaf). Otherwise the last leaf before it, or null.
     UT_Node* GetPreviousLeaf() const;
 
 private:
-    // Renumbers from this node to the end of its sibling list.
+    /// Renumbers from this node to the end of its sibling list.
     void ReassignIndexes();
 
     UT_Node* m_pParent = nullptr;
@@ -78,8 +78,8 @@ private:
     quint32 m_nIndex = 0;
 };
 
-// The address of a node: the sibling indexes on the path from the top node
-// (element 0) down to the node (last element).
+/// The address of a node: the sibling indexes on the path from the top node
+/// (element 0) down to the node (last element).
 class BRINDLE_EXPORT UT_NodePosition
 {
 public:
@@ -90,11 +90,11 @@ public:
     UT_NodePosition& operator=(UT_NodePosition const&) = default;
     UT_NodePosition& operator=(UT_NodePosition&& other) noexcept;
 
-    // The position of the node; empty for null.
+    /// The position of the node; empty for null.
     void Set(UT_Node const* node);
-    // Walks the position from `top` and its siblings. A level that runs off
-    // its sibling list yields null there, and the next level starts again
-    // from `top` (intended). Null for an empty position.
+    /// Walks the position from `top` and its siblings. A level that runs off
+    /// its sibling list yields null there, and the next level starts again
+    /// from `top` (intended). Null for an empty position.
     UT_Node* GetNode(UT_Node* top) const;
     UT_Node const* GetNode(UT_Node const* top) const;
 
@@ -104,16 +104,16 @@ public:
     quint32 Size() const { return quint32(m_indexes.size()); }
     bool IsValid() const { return !m_indexes.empty(); }
 
-    // The i-th index; i at or past Size() is a fatal error.
+    /// The i-th index; i at or past Size() is a fatal error.
     quint32& operator()(quint32 i);
     quint32 const& operator()(quint32 i) const;
 
-    // Length of the common leading run of equal indexes.
+    /// Length of the common leading run of equal indexes.
     quint32 EqualityLevel(UT_NodePosition const& other) const;
 
     bool operator==(UT_NodePosition const& other) const { return m_indexes == other.m_indexes; }
     bool operator!=(UT_NodePosition const& other) const { return !(*this == other); }
-    // Lexicographic; a proper prefix is less than the longer position.
+    /// Lexicographic; a proper prefix is less than the longer position.
     bool operator<(UT_NodePosition const& other) const;
     bool operator>(UT_NodePosition const& other) const { return other < *this; }
 

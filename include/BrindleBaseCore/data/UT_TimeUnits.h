@@ -7,13 +7,13 @@
 
 #include <memory>
 
-// The process-wide numbering of timeline cells: how a frame is labelled, which
-// cells carry a label and how cells are banded in colour. System 1 numbers
-// frames 1, 2, 3...; system 2 labels them in groups of 16 ("0:1" for the first
-// frame, "1:0" for the sixteenth) with colour bands of 8 frames; any other
-// value gives plain labels without banding. Frame indexes are 0-based.
-//
-// GetInstance() takes no lock: call it first on one thread (at start-up).
+/// The process-wide numbering of timeline cells: how a frame is labelled, which
+/// cells carry a label and how cells are banded in colour. System 1 numbers
+/// frames 1, 2, 3...; system 2 labels them in groups of 16 ("0:1" for the first
+/// frame, "1:0" for the sixteenth) with colour bands of 8 frames; any other
+/// value gives plain labels without banding. Frame indexes are 0-based.
+///
+/// GetInstance() takes no lock: call it first on one thread (at start-up).
 class BRINDLE_EXPORT UT_TimeUnits
 {
 public:
@@ -25,8 +25,8 @@ public:
 
     virtual ~UT_TimeUnits();
 
-    // The single instance, created with system 1 on the first call; it lives
-    // until the process ends.
+    /// The single instance, created with system 1 on the first call; it lives
+    /// until the process ends.
     static UT_TimeUnits* GetInstance();
 
     void SetNumberingSystem(eTimeUnits system) { m_numberingSystem = system; }
@@ -34,7 +34,7 @@ public:
 
     void GetFrameLabel(int frame, UT_String& out) const;
     bool ShouldLabelCell(int frame) const;
-    // 0 or 1.
+    /// 0 or 1.
     int GetCellColorIndex(int frame) const;
     int GetNbColors() const;
     int GetColorDelta() const;

@@ -10,8 +10,8 @@
 
 class PL_FileSpec;
 
-// A 16-byte MD5 digest with a validity flag (false until computed, loaded or
-// set). Two invalid signatures are equal; an invalid one sorts first.
+/// A 16-byte MD5 digest with a validity flag (false until computed, loaded or
+/// set). Two invalid signatures are equal; an invalid one sorts first.
 class BRINDLE_EXPORT PL_FileSignature
 {
 public:
@@ -21,21 +21,21 @@ public:
     PL_FileSignature& operator=(PL_FileSignature const&) = default;
     PL_FileSignature& operator=(PL_FileSignature&&) noexcept = default;
 
-    // Digest of the whole file, read in blocks (any size, bounded memory).
-    // False, and invalid, when the file cannot be opened or read completely.
+    /// Digest of the whole file, read in blocks (any size, bounded memory).
+    /// False, and invalid, when the file cannot be opened or read completely.
     bool computeSignature(PL_FileSpec const& file);
-    // The same, calling `progress(bytesRead, fileLength)` after each block.
+    /// The same, calling `progress(bytesRead, fileLength)` after each block.
     bool computeSignature(PL_FileSpec const& file,
                           std::function<void(quint64, quint64)> const& progress);
     void computeSignatureOnData(void const* data, quint64 size);
-    // Exactly 32 hexadecimal characters; anything else returns false and
-    // changes nothing.
+    /// Exactly 32 hexadecimal characters; anything else returns false and
+    /// changes nothing.
     bool setSignature(char const* hex);
-    // Takes 16 bytes.
+    /// Takes 16 bytes.
     void load(unsigned char const* bytes);
     unsigned char const* data() const { return m_digest.data(); }
     bool isValid() const { return m_valid; }
-    // 32 lower-case hexadecimal characters; empty when invalid.
+    /// 32 lower-case hexadecimal characters; empty when invalid.
     QString toHex() const;
 
     bool operator==(PL_FileSignature const& other) const;

@@ -19,13 +19,13 @@ class UT_Path;
 class UT_RelPath;
 class PL_FileSpec_iterator;
 
-// What is known about a file-system object, read once. Built empty (not
-// initialised), from a path (reads the file system at once), or from what a
-// folder enumeration delivers (no further query).
+/// What is known about a file-system object, read once. Built empty (not
+/// initialised), from a path (reads the file system at once), or from what a
+/// folder enumeration delivers (no further query).
 class BRINDLE_EXPORT PL_FileInfo
 {
 public:
-    // Attribute bits of the enumeration form.
+    /// Attribute bits of the enumeration form.
     enum Attribute : unsigned int
     {
         ReadOnlyAttribute = 0x1,
@@ -37,24 +37,24 @@ public:
     PL_FileInfo() = default;
     explicit PL_FileInfo(QString const& path);
     explicit PL_FileInfo(UT_String const& path);
-    // An existing entry as enumerated: modification time (seconds since 1970),
-    // Attribute bits, length in bytes.
+    /// An existing entry as enumerated: modification time (seconds since 1970),
+    /// Attribute bits, length in bytes.
     PL_FileInfo(qint64 modifTime, unsigned int attributes, quint64 length);
 
-    // Reads the file system for `path` (symbolic links are not followed for
-    // the kind, but readability and writability are those of the target).
+    /// Reads the file system for `path` (symbolic links are not followed for
+    /// the kind, but readability and writability are those of the target).
     void init(QString const& path);
 
     bool IsInit() const { return m_init; }
-    // True when the object could not be examined for another reason than
-    // not existing (permission on a parent folder, name too long, ...).
+    /// True when the object could not be examined for another reason than
+    /// not existing (permission on a parent folder, name too long, ...).
     bool IsError() const { return m_error; }
     bool IsExists() const { return m_exists; }
     bool IsFile() const { return m_exists && !m_folder; }
     bool IsFolder() const { return m_exists && m_folder; }
     bool IsSymbolicLink() const { return m_symLink; }
-    // Hidden objects are those whose name starts with '.', or that were
-    // enumerated with HiddenAttribute.
+    /// Hidden objects are those whose name starts with '.', or that were
+    /// enumerated with HiddenAttribute.
     bool IsHidden(UT_Path const& path) const;
     bool CanRead() const { return m_canRead; }
     bool CanWrite() const { return m_canWrite; }
@@ -74,13 +74,13 @@ private:
     bool m_canWrite = false;
 };
 
-// A file or folder named by its path ('/' separators). Queries fill the
-// cached PL_FileInfo on first use; operations that change the file system
-// reset it. Integer results are 0 on success and an errno value otherwise.
+/// A file or folder named by its path ('/' separators). Queries fill the
+/// cached PL_FileInfo on first use; operations that change the file system
+/// reset it. Integer results are 0 on success and an errno value otherwise.
 class BRINDLE_EXPORT PL_FileSpec
 {
 public:
-    // Special folders of the user and of the machine.
+    /// Special folders of the user and of the machine.
     enum SpecialFolderType
     {
         UserAppDataFolder = 0,      // per-user settings (XDG config home)
@@ -90,7 +90,7 @@ public:
         PublicDocumentsFolder = 4,  // has no equivalent here: always fails
     };
 
-    // A form of this file specification that can be stored and read back (the UTF-8 path).
+    /// A form of this file specification that can be stored and read back (the UTF-8 path).
     struct SavableID
     {
         QByteArray data;
@@ -98,57 +98,57 @@ public:
 
     PL_FileSpec() = default;
     explicit PL_FileSpec(UT_String const& path);
-    // Takes `info` as the cache: no file-system access.
+    /// Takes `info` as the cache: no file-system access.
     PL_FileSpec(UT_String const& path, PL_FileInfo const& info);
     explicit PL_FileSpec(UT_RelPath const& path);
     PL_FileSpec(PL_FileSpec const&) = default;
     PL_FileSpec& operator=(PL_FileSpec const&) = default;
 
     void IFileSpec(UT_String const& path);
-    // `path` relative to the folder `base` (an absolute `path` is taken as it is).
+    /// `path` relative to the folder `base` (an absolute `path` is taken as it is).
     void IFileSpec(UT_String const& path, PL_FileSpec const& base);
     void IFileSpec(UT_String const& path, PL_FileInfo const& info);
     void IFileSpec(PL_FileSpec const& other);
     void IFileSpec(SavableID const& id);
-    // 0, or ENOENT when the platform has no such folder (this object is then empty).
+    /// 0, or ENOENT when the platform has no such folder (this object is then empty).
     int IFileSpec(SpecialFolderType type);
     SavableID GetSavableID() const;
 
-    // --- text -----------------------------------------------------------
+    /// --- text -----------------------------------------------------------
     UT_String const& GetFilePath() const { return m_path; }
     QString GetQFilePath() const { return m_path.ToQString(); }
     UT_String GetDisplayFilePath() const;
-    // The last component of the path.
+    /// The last component of the path.
     UT_String GetDisplayName() const;
-    // The last component, without its last extension when withExtension is false.
+    /// The last component, without its last extension when withExtension is false.
     UT_String GetName(bool withExtension = true) const;
-    // The text after the last '.' of the last component (empty when none).
+    /// The text after the last '.' of the last component (empty when none).
     UT_String GetExtension() const;
     bool GetExtension(UT_String& extension) const;
-    // Case-insensitive; `extension` is given without the '.'.
+    /// Case-insensitive; `extension` is given without the '.'.
     bool HasExtension(UT_String const& extension) const;
-    // Replaces the last extension; an empty one removes it with its '.'.
+    /// Replaces the last extension; an empty one removes it with its '.'.
     void SetExtension(UT_String const& extension);
     void AddExtension(UT_String const& extension);
-    // Appends a component with '/'.
+    /// Appends a component with '/'.
     void Add(UT_String const& component);
-    // Goes to the parent folder; false when there is none.
+    /// Goes to the parent folder; false when there is none.
     bool Up();
-    // Fills `relative` with this path relative to the folder `base`.
+    /// Fills `relative` with this path relative to the folder `base`.
     bool GetRelativePath(UT_String& relative, PL_FileSpec const& base) const;
     std::string GetUTF8Path() const;
     UT_Char const* GetWchartFileName() const { return m_path.c_str(); }
-    // Makes the path absolute and clean ('.' and '..' removed, links kept).
+    /// Makes the path absolute and clean ('.' and '..' removed, links kept).
     int ConvertToLongName();
-    // The local file path of a "file:" URL; empty for any other URL.
+    /// The local file path of a "file:" URL; empty for any other URL.
     static UT_String fileURLToPath(QUrl const& url);
-    // Splits the path into folder (with its trailing '/'), base name and extension.
+    /// Splits the path into folder (with its trailing '/'), base name and extension.
     bool analysePath(UT_String& folder, UT_String& baseName, UT_String& extension) const;
-    // True when this path lies inside the folder `parent`; `subPath` receives
-    // the part below it (empty when both are the same).
+    /// True when this path lies inside the folder `parent`; `subPath` receives
+    /// the part below it (empty when both are the same).
     bool analyseSubPath(PL_FileSpec const& parent, UT_String& subPath) const;
 
-    // --- tests ----------------------------------------------------------
+    /// --- tests ----------------------------------------------------------
     bool IsValid() const { return !m_path.empty(); }
     bool IsInit() const { return m_info.IsInit(); }
     bool Exists() const;
@@ -156,69 +156,69 @@ public:
     bool IsFolder() const;
     bool IsSymbolicLink() const;
     bool IsHidden() const;
-    // A network share path ("//server/share...").
+    /// A network share path ("//server/share...").
     bool IsShare() const;
     bool TestAccess(bool write) const;
     quint64 GetFileLength() const;
     bool GetFileTime(qint64& modifTime) const;
     PL_FileInfo const& GetFileInfo() const;
-    // Forgets the cached information; the next query reads the file system.
+    /// Forgets the cached information; the next query reads the file system.
     void ResetInfo() { m_info = PL_FileInfo(); }
 
-    // --- changes --------------------------------------------------------
-    // Creates the folder and any missing parent.
+    /// --- changes --------------------------------------------------------
+    /// Creates the folder and any missing parent.
     int CreateFolder() const;
-    // Creates `name` inside this folder, or "name_1", "name_2", ... when taken;
-    // `created` receives the full path made.
+    /// Creates `name` inside this folder, or "name_1", "name_2", ... when taken;
+    /// `created` receives the full path made.
     int createSubFolder(QString const& name, QString& created) const;
-    // Deletes the file, or the folder with everything it contains.
+    /// Deletes the file, or the folder with everything it contains.
     int Delete() const;
-    // Renames to `newName` (a name in the same folder, or a full path); the
-    // spec then names the renamed object.
+    /// Renames to `newName` (a name in the same folder, or a full path); the
+    /// spec then names the renamed object.
     int Rename(UT_String const& newName);
-    // Moves to `target` (across file systems too); this object then names it.
+    /// Moves to `target` (across file systems too); this object then names it.
     int Move(PL_FileSpec const& target);
-    // Swaps the contents of this file and `other` (atomically when possible).
+    /// Swaps the contents of this file and `other` (atomically when possible).
     int Exchange(PL_FileSpec const& other) const;
-    // Copies this file to `target`; an existing target is replaced only when
-    // `overwrite` is true (EEXIST otherwise).
+    /// Copies this file to `target`; an existing target is replaced only when
+    /// `overwrite` is true (EEXIST otherwise).
     int CloneFile(PL_FileSpec const& target, bool overwrite) const;
-    // Copies this file onto `target` (replacing it); on failure `error`
-    // tells why.
+    /// Copies this file onto `target` (replacing it); on failure `error`
+    /// tells why.
     bool CopyFileW(UT_String const& target, MSG_Text& error) const;
-    // Copies this file to `target`: false when the target exists and
-    // `overwrite` is false, or when it cannot be removed or copied.
+    /// Copies this file to `target`: false when the target exists and
+    /// `overwrite` is false, or when it cannot be removed or copied.
     bool HardLink(PL_FileSpec const& target, bool overwrite) const;
 
-    // --- opening (any Unicode path) -------------------------------------
+    /// --- opening (any Unicode path) -------------------------------------
     static FILE* fopen(QString const& path, char const* mode);
     static FILE* freopen(QString const& path, char const* mode, FILE* stream);
-    // A file descriptor, or -1 with errno set.
+    /// A file descriptor, or -1 with errno set.
     static int open(QString const& path, int flags, int mode);
     int open(int flags, int mode) const;
     FILE* reopen(char const* mode, FILE* stream) const;
     FILE* get_fs(char const* mode) const;
 
-    // --- special folders (0 or an errno value) ---------------------------
+    /// --- special folders (0 or an errno value) ---------------------------
     int InitUserAppDataFolder();
     int InitUserLocalAppDataFolder();
     int InitSharedAppDataFolder();
     int InitUserDocumentsFolder();
-    // There is no public documents folder here: returns ENOTSUP and leaves the
-    // spec unchanged.
+    /// There is no public documents folder here: returns ENOTSUP and leaves the
+    /// spec unchanged.
     int WindowsPublicDocumentPath();
-    // 0 when the path is not a shortcut; ENOTSUP for a ".lnk" shortcut, which
-    // cannot be followed here.
+    /// 0 when the path is not a shortcut; ENOTSUP for a ".lnk" shortcut, which
+    /// cannot be followed here.
     int resolveShortcuts();
 
-    // --- temporary files ------------------------------------------------
-    // Names a new file "tmpfs_N.tmp" in the process's temporary-files folder
-    // (emptied at its first use in the process). The file is not created.
+    /// --- temporary files ------------------------------------------------
+    /// Names a new file "tmpfs_N.tmp" in the process's temporary-files folder
+    /// (emptied at its first use in the process). The file is not created.
     int InitTempFile();
-    // Names the session folder (kept from one run to the next).
+    /// Names the session folder (kept from one run to the next).
     int InitSessionTempFolder();
 
-    // --- enumeration ----------------------------------------------------
+    /// --- enumeration ----------------------------------------------------
     PL_FileSpec_iterator begin() const;
     PL_FileSpec_iterator end() const;
 
@@ -233,14 +233,14 @@ private:
     mutable PL_FileInfo m_info;
 };
 
-// Walks the entries of a folder ('.' and '..' skipped) in the order the file
-// system gives them. Copies share the enumeration.
+/// Walks the entries of a folder ('.' and '..' skipped) in the order the file
+/// system gives them. Copies share the enumeration.
 class BRINDLE_EXPORT PL_FileSpec_iterator
 {
 public:
-    // An ended iterator.
+    /// An ended iterator.
     PL_FileSpec_iterator() = default;
-    // Starts the enumeration of `folder` and stands on its first entry.
+    /// Starts the enumeration of `folder` and stands on its first entry.
     explicit PL_FileSpec_iterator(PL_FileSpec const& folder);
     PL_FileSpec_iterator(PL_FileSpec_iterator const&) = default;
     PL_FileSpec_iterator& operator=(PL_FileSpec_iterator const&) = default;
@@ -256,8 +256,8 @@ public:
     void Advance();
     bool IsEnd() const { return !m_handle; }
 
-    // Two ended iterators are equal; otherwise equal when at the same entry of
-    // the same enumeration.
+    /// Two ended iterators are equal; otherwise equal when at the same entry of
+    /// the same enumeration.
     bool operator==(PL_FileSpec_iterator const& other) const;
     bool operator!=(PL_FileSpec_iterator const& other) const { return !(*this == other); }
 

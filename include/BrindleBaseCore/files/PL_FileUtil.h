@@ -15,19 +15,19 @@
 // At every moment either the file or its backup holds a complete version.
 namespace PL_FileUtil {
 
-// Keeps the file as its backup (name + "~"), replacing an older backup. True
-// when there was nothing to keep; afterwards the file itself no longer exists.
+/// Keeps the file as its backup (name + "~"), replacing an older backup. True
+/// when there was nothing to keep; afterwards the file itself no longer exists.
 BRINDLE_EXPORT bool BackupFile(PL_FileSpec const& file);
-// Copies the backup onto the file (kept when it exists unless `overwrite`);
-// false when there is no backup. The backup remains.
+/// Copies the backup onto the file (kept when it exists unless `overwrite`);
+/// false when there is no backup. The backup remains.
 BRINDLE_EXPORT bool RestoreBackupFile(PL_FileSpec const& file, bool overwrite);
-// True when there is no backup left.
+/// True when there is no backup left.
 BRINDLE_EXPORT bool DeleteBackupFile(PL_FileSpec const& file);
 BRINDLE_EXPORT PL_FileSpec BackupFileSpec(PL_FileSpec const& file);
-// The file specification of the new-file name (name + "+").
+/// The file specification of the new-file name (name + "+").
 BRINDLE_EXPORT PL_FileSpec NewFileSpec(PL_FileSpec const& file);
-// Renames the new file to the file's name, only when the new file exists and
-// the file does not: a present file is deliberately never replaced here.
+/// Renames the new file to the file's name, only when the new file exists and
+/// the file does not: a present file is deliberately never replaced here.
 BRINDLE_EXPORT bool RenameNewFile(PL_FileSpec const& file);
 BRINDLE_EXPORT bool CanWriteFile(PL_FileSpec const& file);
 
@@ -37,28 +37,28 @@ enum LockType : int
     ExclusiveLock = 1
 };
 
-// An advisory lock on a lock file, held by this object: it excludes other
-// lockers of the same file in this process as in others, and a process that
-// dies loses it. The lock is on one byte far beyond the file's content, so
-// the lock file itself can still be read and written.
-// Copies share the lock, which is released when the last of them unlocks.
+/// An advisory lock on a lock file, held by this object: it excludes other
+/// lockers of the same file in this process as in others, and a process that
+/// dies loses it. The lock is on one byte far beyond the file's content, so
+/// the lock file itself can still be read and written.
+/// Copies share the lock, which is released when the last of them unlocks.
 class BRINDLE_EXPORT FileLocker
 {
 public:
     FileLocker();
-    // Locks at once, waiting for the lock.
+    /// Locks at once, waiting for the lock.
     FileLocker(QString const& path, LockType type);
     FileLocker(FileLocker const& other);
     FileLocker& operator=(FileLocker const& other);
     ~FileLocker();
 
-    // Opens (creating it with mode 0600) and locks the file; with `wait`
-    // false a held lock is refused at once. Paths outside Latin-1 are not
-    // supported (false). An invalid type is reported as a trace.
+    /// Opens (creating it with mode 0600) and locks the file; with `wait`
+    /// false a held lock is refused at once. Paths outside Latin-1 are not
+    /// supported (false). An invalid type is reported as a trace.
     bool Lock(QString const& path, LockType type, bool wait);
     void Unlock();
-    // True while the lock file is open, which deliberately includes the state
-    // after a refused lock: use the result of Lock.
+    /// True while the lock file is open, which deliberately includes the state
+    /// after a refused lock: use the result of Lock.
     bool Locked() const;
     QString path() const;
 

@@ -7,9 +7,9 @@
 
 #include <memory>
 
-// A temporary folder of the process inside the session folder, removed when
-// the object is destroyed or, for objects still alive then, by
-// cleanUpBrindleTempDir() (call it at exit).
+/// A temporary folder of the process inside the session folder, removed when
+/// the object is destroyed or, for objects still alive then, by
+/// cleanUpBrindleTempDir() (call it at exit).
 class BRINDLE_EXPORT PL_TemporaryDir
 {
 public:
@@ -18,12 +18,12 @@ public:
     PL_TemporaryDir(PL_TemporaryDir const&) = delete;
     PL_TemporaryDir& operator=(PL_TemporaryDir const&) = delete;
 
-    // The folder; empty when it could not be created.
+    /// The folder; empty when it could not be created.
     QString path() const;
     bool isValid() const;
-    // "folder/00000.ext", "folder/00001.ext", ...: safe from many threads.
+    /// "folder/00000.ext", "folder/00001.ext", ...: safe from many threads.
     QString generateTemporaryName(QString const& extension);
-    // Removes the folders of every PL_TemporaryDir still alive.
+    /// Removes the folders of every PL_TemporaryDir still alive.
     static void cleanUpBrindleTempDir();
 
 private:

@@ -8,14 +8,14 @@
 
 class UT_PathIterator;
 
-// A path kept normalised with '/' as its only separator: a drive ("C:", or a
-// share "//server/share", or empty), a folder (beginning with '/' when
-// absolute, ending with '/' when not empty) and a file name (empty for a
-// folder path). When the filter flag is set, every assignment replaces '\'
-// with '/' and the characters > < ? " * (and ':' after the drive) with '_'.
-// A drive candidate (the text up to a ':' that comes before any '/') that is
-// not letters and a colon makes the setter return false and keep the old value.
-// File-system questions are answered by the PL_FileSpec kept in step.
+/// A path kept normalised with '/' as its only separator: a drive ("C:", or a
+/// share "//server/share", or empty), a folder (beginning with '/' when
+/// absolute, ending with '/' when not empty) and a file name (empty for a
+/// folder path). When the filter flag is set, every assignment replaces '\'
+/// with '/' and the characters > < ? " * (and ':' after the drive) with '_'.
+/// A drive candidate (the text up to a ':' that comes before any '/') that is
+/// not letters and a colon makes the setter return false and keep the old value.
+/// File-system questions are answered by the PL_FileSpec kept in step.
 class BRINDLE_EXPORT UT_Path
 {
 public:
@@ -26,51 +26,51 @@ public:
     UT_Path& operator=(UT_Path const&) = default;
 
     bool SetPath(QString const& path);
-    // The folder alone for a relative folder, else drive and folder; with
-    // `withFileName` the file name follows (a folder path then loses its
-    // trailing '/' when at least 2 characters remain).
+    /// The folder alone for a relative folder, else drive and folder; with
+    /// `withFileName` the file name follows (a folder path then loses its
+    /// trailing '/' when at least 2 characters remain).
     QString GetPath(bool withFileName = true) const;
     QString GetFileName(bool withExtension = true, bool firstDot = false) const;
     QString GetBaseName(bool firstDot = false) const;
     QString GetExtension(bool firstDot = false) const;
     QString const& GetDrive() const { return m_drive; }
     QString const& GetFolder() const { return m_folder; }
-    // The folder part (with the drive when `withDrive`), ending with '/'.
+    /// The folder part (with the drive when `withDrive`), ending with '/'.
     QString GetBasePath(bool withDrive = true) const;
-    // The path with symbolic links resolved; the path itself when it does not exist.
+    /// The path with symbolic links resolved; the path itself when it does not exist.
     QString GetResolvedPath() const;
     PL_FileSpec const& GetFileSpec() const { return m_spec; }
     UT_PathIterator GetFolderIterator() const;
     bool IsFilter() const { return m_filter; }
 
     bool SetDrive(QString const& drive);
-    // Takes the drive and folder of `folder`.
+    /// Takes the drive and folder of `folder`.
     bool SetFolder(UT_Path const& folder);
     bool SetFolder(QString const& folder);
-    // The whole text names a folder: the file name becomes empty.
+    /// The whole text names a folder: the file name becomes empty.
     bool SetFolderPath(QString const& folder);
     bool SetFileName(QString const& name);
-    // Replaces the extension after the last '.' (first '.' with `firstDot`);
-    // an empty extension removes it with its '.'.
+    /// Replaces the extension after the last '.' (first '.' with `firstDot`);
+    /// an empty extension removes it with its '.'.
     bool SetExtension(QString const& extension, bool firstDot = false);
-    // Appends folders below the folder; the file name is kept.
+    /// Appends folders below the folder; the file name is kept.
     bool AddFolder(UT_Path const& folder);
     bool AddFolder(QString const& folder);
     bool AddFolder(char const* folder);
-    // Appends a component: a present file name becomes the last folder.
+    /// Appends a component: a present file name becomes the last folder.
     bool AddName(QString const& name);
     bool AddName(char const* name);
-    // Appends '.' and the extension to the file name.
+    /// Appends '.' and the extension to the file name.
     bool AddExtension(QString const& extension);
 
-    // Removes the file name, or when there is none the last folder.
+    /// Removes the file name, or when there is none the last folder.
     bool Up();
     bool isRoot() const { return m_folder == QLatin1String("/"); }
     bool IsRelative() const { return !m_folder.isEmpty() && m_folder.at(0) != u'/'; }
     bool IsEmpty() const { return m_drive.isEmpty() && m_folder.isEmpty() && m_fileName.isEmpty(); }
     bool IsFolderPath() const { return m_fileName.isEmpty(); }
 
-    // File-system questions (false or 0 for an empty path).
+    /// File-system questions (false or 0 for an empty path).
     bool Exists() const;
     bool IsFile() const;
     bool IsFolder() const;
@@ -82,20 +82,20 @@ public:
     bool CanWrite() const;
     quint64 GetFileLength() const;
     bool GetFileTime(qint64& modifTime) const;
-    // Opens the file with a C fopen mode; null on failure.
+    /// Opens the file with a C fopen mode; null on failure.
     FILE* GetFileAccess(char const* mode) const;
     int CreateFolder() const;
     int Delete() const;
-    // Renames the object (a new name in the same folder, or a full path); the
-    // path follows it.
+    /// Renames the object (a new name in the same folder, or a full path); the
+    /// path follows it.
     int Rename(QString const& newName);
 
-    // When something exists at the path, tries "base_1.ext" .. "base_999.ext"
-    // (base up to the first '.') until a free name is found; false when all
-    // are taken, the path then holding the last candidate.
+    /// When something exists at the path, tries "base_1.ext" .. "base_999.ext"
+    /// (base up to the first '.') until a free name is found; false when all
+    /// are taken, the path then holding the last candidate.
     bool MakeUniqueFileName();
 
-    // Replaces '\' with '/' and the forbidden characters with '_'.
+    /// Replaces '\' with '/' and the forbidden characters with '_'.
     static QString FilterPath(QString const& text, bool fileNamePart);
 
     bool operator==(UT_Path const& other) const { return GetPath() == other.GetPath(); }
@@ -115,8 +115,8 @@ private:
     PL_FileSpec m_spec;
 };
 
-// Walks the folders of a path from the root down to the path's own folder:
-// "C:/a/b/c.txt" gives "C:/", "C:/a/", "C:/a/b/".
+/// Walks the folders of a path from the root down to the path's own folder:
+/// "C:/a/b/c.txt" gives "C:/", "C:/a/", "C:/a/b/".
 class BRINDLE_EXPORT UT_PathIterator
 {
 public:

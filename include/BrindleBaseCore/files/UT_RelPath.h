@@ -6,9 +6,9 @@
 
 #include <QtCore/QString>
 
-// Every assignment normalises the text: '\' becomes '/', the characters
-// > < ? " * become '_' (':' is kept), trailing '/' are removed (never the
-// first character) and a leading "./" is dropped with the '/' that follow it.
+/// Every assignment normalises the text: '\' becomes '/', the characters
+/// > < ? " * become '_' (':' is kept), trailing '/' are removed (never the
+/// first character) and a leading "./" is dropped with the '/' that follow it.
 class BRINDLE_EXPORT UT_RelPath
 {
 public:
@@ -22,8 +22,8 @@ public:
     UT_RelPath& operator=(UT_RelPath&&) noexcept = default;
     UT_RelPath& operator=(QString const& path);
 
-    // Join: an empty argument changes nothing, an empty path takes the
-    // argument as it is, otherwise '/' and the argument are appended.
+    /// Join: an empty argument changes nothing, an empty path takes the
+    /// argument as it is, otherwise '/' and the argument are appended.
     UT_RelPath& Add(UT_RelPath const& other);
     UT_RelPath& Add(QString const& other);
     UT_RelPath& Add(UT_String const& other);
@@ -31,26 +31,26 @@ public:
     UT_RelPath& operator+=(UT_RelPath const& other) { return Add(other); }
     UT_RelPath operator+(UT_RelPath const& other) const;
 
-    // Appends '.' and the extension.
+    /// Appends '.' and the extension.
     UT_RelPath& AddExtension(QString const& extension);
     UT_RelPath& AddExtension(UT_String const& extension);
     UT_RelPath& AddExtension(char const* extension);
-    // Appends the text as it stands.
+    /// Appends the text as it stands.
     UT_RelPath& AddSuffix(QString const& suffix);
-    // "a/b.tga" with "_v2" gives "a/b_v2.tga".
+    /// "a/b.tga" with "_v2" gives "a/b_v2.tga".
     UT_RelPath& AddSuffixBeforeExtension(QString const& suffix);
-    // Replaces the last extension; an empty one removes it with its '.'.
+    /// Replaces the last extension; an empty one removes it with its '.'.
     UT_RelPath& SetExtension(QString const& extension);
     UT_RelPath& SetExtension(UT_String const& extension);
     UT_RelPath& SetExtension(char const* extension);
 
-    // Parts of the last component; the extension follows its last '.'.
+    /// Parts of the last component; the extension follows its last '.'.
     QString GetBaseName() const;
     QString GetExtension() const;
     QString GetFilename() const;
     UT_RelPath& SetFilename(QString const& name);
 
-    // Cuts the text at its last '/' (empty when there is none).
+    /// Cuts the text at its last '/' (empty when there is none).
     UT_RelPath& Up();
 
     bool IsEmpty() const { return m_path.isEmpty(); }
@@ -60,21 +60,21 @@ public:
     bool operator!=(UT_RelPath const& other) const { return m_path != other.m_path; }
     bool operator<(UT_RelPath const& other) const { return m_path < other.m_path; }
 
-    // False for "/..." and for "X:/..." (a letter, ':' and '/'); true otherwise.
+    /// False for "/..." and for "X:/..." (a letter, ':' and '/'); true otherwise.
     bool IsRelative() const;
 
-    // The last extension is exactly "gz".
+    /// The last extension is exactly "gz".
     bool isCompressed() const;
-    // "scene.xstage.gz" gives "xstage"; an uncompressed path its extension.
+    /// "scene.xstage.gz" gives "xstage"; an uncompressed path its extension.
     QString extensionWithCompressExtensionRemoved() const;
-    // "scene.xstage.gz" gives "scene"; an uncompressed path its base name.
+    /// "scene.xstage.gz" gives "scene"; an uncompressed path its base name.
     QString getBasenameHandlingCompressionExtension() const;
 
-    // Makes this path relative to the folder `base`: '..' for each component
-    // of `base` not shared, then the rest of this path. Relative inputs are
-    // first taken from the current folder. Joined to `base`, the result
-    // names the same place. A path on another drive or share stays absolute;
-    // the same place gives ".".
+    /// Makes this path relative to the folder `base`: '..' for each component
+    /// of `base` not shared, then the rest of this path. Relative inputs are
+    /// first taken from the current folder. Joined to `base`, the result
+    /// names the same place. A path on another drive or share stays absolute;
+    /// the same place gives ".".
     UT_RelPath& fillRelativePath(UT_RelPath const& base);
     UT_RelPath& fillRelativeToCurrentPath();
     UT_RelPath& makeRelativeToPath(UT_RelPath const& path, UT_RelPath const& base);

@@ -22,7 +22,7 @@ enum class Axis4d : int
     W = 3
 };
 
-// Matrix rows and columns; the 2D matrices use only the first two.
+/// Matrix rows and columns; the 2D matrices use only the first two.
 enum Row : unsigned
 {
     Row0 = 0,

@@ -10,7 +10,7 @@
 namespace Math {
 
 namespace Constants {
-// Whether a side of a box belongs to it.
+/// Whether a side of a box belongs to it.
 enum Boundary : int
 {
     Open = 0,
@@ -18,12 +18,12 @@ enum Boundary : int
 };
 } // namespace Constants
 
-// A box of doubles. A default box is empty; adding points grows it.
+/// A box of doubles. A default box is empty; adding points grows it.
 class BRINDLE_EXPORT Box2d
 {
 public:
     Box2d() = default;
-    // The closed box spanning two corners (in any order).
+    /// The closed box spanning two corners (in any order).
     Box2d(Point2d const& a, Point2d const& b)
     {
         add(a);
@@ -33,10 +33,10 @@ public:
     bool isEmpty() const { return _empty; }
     Point2d const& min() const { return _min; }
     Point2d const& max() const { return _max; }
-    // Side markers: minimum x, minimum y, maximum x, maximum y.
+    /// Side markers: minimum x, minimum y, maximum x, maximum y.
     Constants::Boundary boundary(int side) const { return _boundary[side & 3]; }
 
-    // The first point makes the box closed around it; later points extend it.
+    /// The first point makes the box closed around it; later points extend it.
     void add(Point2d const& p)
     {
         if (_empty) {
@@ -69,7 +69,7 @@ private:
                                         Constants::Open};
 };
 
-// An int32 box given by its corner and size.
+/// An int32 box given by its corner and size.
 class BRINDLE_EXPORT Box2di
 {
 public:

@@ -16,16 +16,16 @@ namespace Math {
 class BRINDLE_EXPORT Matrix2x2
 {
 public:
-    // The identity, flagged.
+    /// The identity, flagged.
     Matrix2x2() = default;
-    // Columns a and b; flagged exactly when they make (1, 0, 0, 1).
+    /// Columns a and b; flagged exactly when they make (1, 0, 0, 1).
     Matrix2x2(Vector2d const& a, Vector2d const& b);
-    // Four values in storage order (null gives the flagged identity).
+    /// Four values in storage order (null gives the flagged identity).
     explicit Matrix2x2(double const* values);
     explicit Matrix2x2(float const* values);
 
-    // Writing through the mutable form clears the identity flag, even when the
-    // value written is the same.
+    /// Writing through the mutable form clears the identity flag, even when the
+    /// value written is the same.
     double& operator()(Row r, Column c)
     {
         _identity = false;
@@ -35,14 +35,14 @@ public:
     double const* asArray() const { return _m; }
     bool isIdentityFlag() const { return _identity; }
 
-    // Two flagged matrices are equal; otherwise the stored bytes are compared
-    // (−0 differs from +0, identical NaNs are equal).
+    /// Two flagged matrices are equal; otherwise the stored bytes are compared
+    /// (−0 differs from +0, identical NaNs are equal).
     bool operator==(Matrix2x2 const& b) const;
     bool operator!=(Matrix2x2 const& b) const { return !(*this == b); }
-    // −1, 0 or +1 by the first differing value; flags are not looked at.
+    /// −1, 0 or +1 by the first differing value; flags are not looked at.
     int compare(Matrix2x2 const& b) const;
 
-    // The column-vector product this·b (b acts first).
+    /// The column-vector product this·b (b acts first).
     Matrix2x2 operator*(Matrix2x2 const& b) const;
     Matrix2x2& operator*=(Matrix2x2 const& b)
     {
@@ -58,7 +58,7 @@ public:
     }
 
     Vector2d axis(Axis2d a) const { return {_m[2 * int(a)], _m[2 * int(a) + 1]}; }
-    // Back to the flagged identity.
+    /// Back to the flagged identity.
     void clear();
     double determinant() const { return _identity ? 1.0 : _m[3] * _m[0] - _m[2] * _m[1]; }
     bool isSingular() const { return !_identity && determinant() == 0; }
@@ -67,21 +67,21 @@ public:
         return _identity || (_m[0] == 1 && _m[1] == 0 && _m[2] == 0 && _m[3] == 1);
     }
 
-    // Intended: the off-diagonal entries of the result are crossed, so this is
-    // the transpose of the mathematical inverse (the inverse for a symmetric
-    // matrix). A singular matrix becomes the flagged identity and false is
-    // returned.
+    /// Intended: the off-diagonal entries of the result are crossed, so this is
+    /// the transpose of the mathematical inverse (the inverse for a symmetric
+    /// matrix). A singular matrix becomes the flagged identity and false is
+    /// returned.
     bool inverse();
     Matrix2x2 getInverse() const;
     void transpose();
     Matrix2x2 getTranspose() const;
 
-    // Intended: on a flagged identity the result is (cos, −sin, sin, cos),
-    // while the same unflagged values give (cos, sin, −sin, cos).
+    /// Intended: on a flagged identity the result is (cos, −sin, sin, cos),
+    /// while the same unflagged values give (cos, sin, −sin, cos).
     void rotateRadians(double angle);
     void rotateDegrees(double angle) { rotateRadians(angle * 0.017453292519943295); }
-    // Intended: on a flagged identity, scale(sx, sy) writes sy into m1 and
-    // leaves m2, m3 as they were: scale(2, 3) gives (2, 3, 0, 1).
+    /// Intended: on a flagged identity, scale(sx, sy) writes sy into m1 and
+    /// leaves m2, m3 as they were: scale(2, 3) gives (2, 3, 0, 1).
     void scale(double sx, double sy);
 
     bool hasNan() const;

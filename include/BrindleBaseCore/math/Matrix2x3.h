@@ -26,19 +26,19 @@ public:
         : _m{a.x(), a.y(), b.x(), b.y(), o.x(), o.y()}
     {}
 
-    // Element (row, column) without range check.
+    /// Element (row, column) without range check.
     double& operator()(unsigned row, unsigned column) { return _m[row + 2 * column]; }
     double operator()(unsigned row, unsigned column) const { return _m[row + 2 * column]; }
     double const* asArray() const { return _m; }
 
-    // Byte-wise: −0 differs from +0.
+    /// Byte-wise: −0 differs from +0.
     bool operator==(Matrix2x3 const& b) const;
     bool operator!=(Matrix2x3 const& b) const { return !(*this == b); }
-    // Intended: compares the stored bytes as an unsigned byte string, not the
-    // numbers; the order that containers keyed by transforms rely on.
+    /// Intended: compares the stored bytes as an unsigned byte string, not the
+    /// numbers; the order that containers keyed by transforms rely on.
     bool operator<(Matrix2x3 const& b) const;
 
-    // This first, then b.
+    /// This first, then b.
     Matrix2x3 operator*(Matrix2x3 const& b) const
     {
         Matrix2x3 r;
@@ -50,18 +50,18 @@ public:
         compose(*this, b, *this);
         return *this;
     }
-    // Sets this to a first, then b.
+    /// Sets this to a first, then b.
     void Multiply(Matrix2x3 const& a, Matrix2x3 const& b) { compose(a, b, *this); }
 
-    // Counter-clockwise, in radians.
+    /// Counter-clockwise, in radians.
     static Matrix2x3 CreateRotate(double angle);
     static Matrix2x3 CreateScale(Vector2d const& s) { return {s.x(), 0, 0, s.y(), 0, 0}; }
-    // x' = x + k·y.
+    /// x' = x + k·y.
     static Matrix2x3 CreateShearX(double k) { return {1, 0, k, 1, 0, 0}; }
-    // y' = k·x + y.
+    /// y' = k·x + y.
     static Matrix2x3 CreateShearY(double k) { return {1, k, 0, 1, 0, 0}; }
     static Matrix2x3 CreateTranslate(Vector2d const& t) { return {1, 0, 0, 1, t.x(), t.y()}; }
-    // Each applies the matching Create matrix after this one.
+    /// Each applies the matching Create matrix after this one.
     void Rotate(double angle);
     void Scale(Vector2d const& s);
     void ShearX(double k);
@@ -74,9 +74,9 @@ public:
 
     double Determinant() const { return _m[3] * _m[0] - _m[2] * _m[1]; }
     bool isSingular() const { return Determinant() == 0; }
-    // Byte-wise equal to the identity: a −0 entry makes it false.
+    /// Byte-wise equal to the identity: a −0 entry makes it false.
     bool IsIdentity() const { return *this == Matrix2x3(); }
-    // Sets this to the inverse of m; false (this unchanged) when singular.
+    /// Sets this to the inverse of m; false (this unchanged) when singular.
     bool MatrixInverse(Matrix2x3 const& m);
     void resetToIdentity() { *this = Matrix2x3(); }
 
@@ -88,12 +88,12 @@ public:
     {
         return {_m[0] * v.x() + _m[2] * v.y(), _m[1] * v.x() + _m[3] * v.y()};
     }
-    // The box of the four mapped corners; an empty source box is mapped from
-    // its stored corners all the same.
+    /// The box of the four mapped corners; an empty source box is mapped from
+    /// its stored corners all the same.
     Box2d Transform(Box2d const& box) const;
-    // The smallest integer box holding the mapped corners, never of zero extent.
+    /// The smallest integer box holding the mapped corners, never of zero extent.
     Box2di Transform(Box2di const& box) const;
-    // Computed in double, each result narrowed to float.
+    /// Computed in double, each result narrowed to float.
     void TransformPoint(double x, double y, float& outX, float& outY) const
     {
         Point2d p = Transform(Point2d(x, y));
@@ -107,20 +107,20 @@ public:
 
     Vector2d axis(Axis2d a) const { return {_m[2 * int(a)], _m[2 * int(a) + 1]}; }
     Point2d origin() const { return {_m[4], _m[5]}; }
-    // Shear counts as rotation.
+    /// Shear counts as rotation.
     bool hasRotation() const { return _m[1] != 0 || _m[2] != 0; }
     bool hasNan() const;
     bool hasInfinity() const;
     bool hasNanOrInfinity() const { return hasNan() || hasInfinity(); }
 
-    // Writes the label ("Matrix" when null or empty) and the two rows.
+    /// Writes the label ("Matrix" when null or empty) and the two rows.
     void print(char const* label) const;
 
 private:
     Matrix2x3(double m0, double m1, double m2, double m3, double m4, double m5)
         : _m{m0, m1, m2, m3, m4, m5}
     {}
-    // r = b after a; r may be a.
+    /// r = b after a; r may be a.
     static void compose(Matrix2x3 const& a, Matrix2x3 const& b, Matrix2x3& r)
     {
         double const *x = a._m, *y = b._m;

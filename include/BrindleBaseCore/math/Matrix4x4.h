@@ -19,16 +19,16 @@
 namespace Math {
 
 namespace Internal {
-// The 4x4 product behind Matrix4x4, in the fastest form the processor offers
-// (the same bits in every form).
+/// The 4x4 product behind Matrix4x4, in the fastest form the processor offers
+/// (the same bits in every form).
 BRINDLE_EXPORT void multiply4x4(double const* a, double const* b, double* r);
 } // namespace Internal
 
 class BRINDLE_EXPORT Matrix4x4
 {
 public:
-    // Thrown by getInverse() and inverse() when the LU decomposition fails: a
-    // row is entirely zero or a pivot is below the double epsilon.
+    /// Thrown by getInverse() and inverse() when the LU decomposition fails: a
+    /// row is entirely zero or a pivot is below the double epsilon.
     class BRINDLE_EXPORT Singularity : public std::exception
     {
     public:
@@ -36,29 +36,29 @@ public:
     };
 
     static const Matrix4x4 Identity;
-    // The sixteen identity values, for comparisons.
+    /// The sixteen identity values, for comparisons.
     static double const* const _identityPattern;
 
-    // The identity, flagged.
+    /// The identity, flagged.
     constexpr Matrix4x4()
         : _m{1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1}
         , _identity(true)
     {}
-    // The 2D affine transform acting on x and y (z and w pass through).
+    /// The 2D affine transform acting on x and y (z and w pass through).
     explicit Matrix4x4(Matrix2x3 const& m);
-    // Columns xAxis, yAxis, zAxis (w = 0) and origin (w = 1).
+    /// Columns xAxis, yAxis, zAxis (w = 0) and origin (w = 1).
     Matrix4x4(Vector3d const& xAxis, Vector3d const& yAxis, Vector3d const& zAxis,
               Point3d const& origin);
-    // Sixteen values in storage order (column by column). The value
-    // constructors set the flag exactly when the values are the identity's.
+    /// Sixteen values in storage order (column by column). The value
+    /// constructors set the flag exactly when the values are the identity's.
     Matrix4x4(double m0, double m1, double m2, double m3, double m4, double m5, double m6,
               double m7, double m8, double m9, double m10, double m11, double m12, double m13,
               double m14, double m15);
-    // Sixteen values in storage order; a null pointer gives the identity.
+    /// Sixteen values in storage order; a null pointer gives the identity.
     explicit Matrix4x4(double const* values);
     explicit Matrix4x4(float const* values);
 
-    // Writing through the mutable form clears the identity flag.
+    /// Writing through the mutable form clears the identity flag.
     double& operator()(Row r, Column c)
     {
         _identity = false;
@@ -70,9 +70,9 @@ public:
     void getValues(float* out) const;
     bool isIdentityFlag() const { return _identity; }
 
-    // Named elements: A, B, C, D the 2D linear part, E, F the 2D translation,
-    // G, H the perspective terms of x and y, Z the depth translation and W the
-    // homogeneous scale.
+    /// Named elements: A, B, C, D the 2D linear part, E, F the 2D translation,
+    /// G, H the perspective terms of x and y, Z the depth translation and W the
+    /// homogeneous scale.
     double getA() const { return _m[0]; }
     double getB() const { return _m[4]; }
     double getC() const { return _m[1]; }
@@ -94,7 +94,7 @@ public:
     void setZ(double v) { set(14, v); }
     void setW(double v) { set(15, v); }
 
-    // this = this × b.
+    /// this = this × b.
     Matrix4x4& operator*=(Matrix4x4 const& b)
     {
         if (_identity | b._identity) [[unlikely]]
@@ -108,7 +108,7 @@ public:
     void multiply(Matrix4x4 const& b) { *this *= b; }
     Matrix4x4 operator*(Matrix4x4 const& b) const
     {
-        // One named result on every path, so that it is built in place.
+        /// One named result on every path, so that it is built in place.
         Matrix4x4 r(NoInit{});
         if (_identity | b._identity) [[unlikely]]
             r = b._identity ? *this : b;
@@ -117,17 +117,17 @@ public:
         return r;
     }
 
-    // The axis is used as passed, not normalised. Rotations about exactly
-    // (0, 0, 1) update two columns in place.
+    /// The axis is used as passed, not normalised. Rotations about exactly
+    /// (0, 0, 1) update two columns in place.
     void rotateRadians(double angle, Vector3d const& axis);
     void rotateDegrees(double angle, Vector3d const& axis);
     void scale(double sx, double sy, double sz);
     void translate(double x, double y, double z);
     void translate(Vector3d const& v) { translate(v.x(), v.y(), v.z()); }
-    // this ×= the shear x' = x + kx·y, y' = y + ky·x.
+    /// this ×= the shear x' = x + kx·y, y' = y + ky·x.
     void skew(double kx, double ky);
 
-    // Projective transform of a point; a w of 0 is not guarded.
+    /// Projective transform of a point; a w of 0 is not guarded.
     Point3d operator*(Point3d const& p) const
     {
         if (_identity)
@@ -138,7 +138,7 @@ public:
                 (x * _m[1] + y * _m[5] + z * _m[9] + _m[13]) / w,
                 (x * _m[2] + y * _m[6] + z * _m[10] + _m[14]) / w};
     }
-    // The upper-left 3x3 part: no translation, no division.
+    /// The upper-left 3x3 part: no translation, no division.
     Vector3d operator*(Vector3d const& v) const
     {
         if (_identity)
@@ -147,92 +147,92 @@ public:
         return {x * _m[0] + y * _m[4] + z * _m[8], x * _m[1] + y * _m[5] + z * _m[9],
                 x * _m[2] + y * _m[6] + z * _m[10]};
     }
-    // The point (x, y, 0) transformed projectively, keeping x and y.
+    /// The point (x, y, 0) transformed projectively, keeping x and y.
     Point2d operator*(Point2d const& p) const { return (*this * Point3d(p, 0.0)).toPoint2d(); }
-    // The full homogeneous product, no division.
+    /// The full homogeneous product, no division.
     Point4d operator*(Point4d const& p) const;
     Point3d multiplyPoint(Point3d const& p) const { return *this * p; }
     Vector3d multiplyVector(Vector3d const& v) const { return *this * v; }
-    // The point with w = 1, transformed without division.
+    /// The point with w = 1, transformed without division.
     Point4d homogeneousTransform(Point3d const& p) const { return *this * Point4d(p); }
 
-    // By LU decomposition (Crout, partial pivoting, implicit scaling); throws
-    // Singularity. inverse() leaves the matrix unchanged when it throws.
+    /// By LU decomposition (Crout, partial pivoting, implicit scaling); throws
+    /// Singularity. inverse() leaves the matrix unchanged when it throws.
     Matrix4x4 getInverse() const;
     void inverse() { *this = getInverse(); }
-    // Whether the LU decomposition fails; the identity never does.
+    /// Whether the LU decomposition fails; the identity never does.
     bool isSingular() const;
     double determinant() const;
     void transpose();
     Matrix4x4 getTranspose() const;
-    // Divides every value by m[15] unless it is within epsilon of 0.
+    /// Divides every value by m[15] unless it is within epsilon of 0.
     void normalize();
-    // Back to the flagged identity.
+    /// Back to the flagged identity.
     void clear() { *this = Matrix4x4(); }
 
-    // Flagged, or bitwise equal to the identity values.
+    /// Flagged, or bitwise equal to the identity values.
     bool isEmpty() const;
-    // Flagged, or numerically equal to the identity values (−0 counts as 0).
+    /// Flagged, or numerically equal to the identity values (−0 counts as 0).
     bool isIdentity() const;
-    // Two flagged matrices are equal; otherwise the values are compared
-    // bitwise, as isEmpty() does.
+    /// Two flagged matrices are equal; otherwise the values are compared
+    /// bitwise, as isEmpty() does.
     bool operator==(Matrix4x4 const& b) const;
     bool operator!=(Matrix4x4 const& b) const { return !(*this == b); }
-    // −1, 0 or +1 by the first value that is less or greater in storage order
-    // (NaNs are passed over); the flags are not consulted.
+    /// −1, 0 or +1 by the first value that is less or greater in storage order
+    /// (NaNs are passed over); the flags are not consulted.
     int compare(Matrix4x4 const& b) const;
-    // Both flagged: false. Otherwise decided by the first unequal value (a NaN
-    // is unequal): whether b's value is greater.
+    /// Both flagged: false. Otherwise decided by the first unequal value (a NaN
+    /// is unequal): whether b's value is greater.
     bool operator<(Matrix4x4 const& b) const;
 
-    // Whether x and y feed neither z nor w, relative to |m[15]|.
+    /// Whether x and y feed neither z nor w, relative to |m[15]|.
     bool isTransform2d() const;
-    // The 2D part: (A, C, B, D, E, F).
+    /// The 2D part: (A, C, B, D, E, F).
     Matrix2x3 getTransform2d() const;
-    // Whether z does not depend on x and y.
+    /// Whether z does not depend on x and y.
     bool isConstantZ() const { return _m[2] == 0 && _m[6] == 0; }
-    // Whether the bottom row has a perspective term.
+    /// Whether the bottom row has a perspective term.
     bool isPerspectiveProjection() const { return _m[3] != 0 || _m[7] != 0 || _m[11] != 0; }
-    // Whether the 3x3 part has an off-diagonal term (shear included).
+    /// Whether the 3x3 part has an off-diagonal term (shear included).
     bool hasRotation() const;
     bool hasNan() const;
     bool hasInfinity() const;
     bool hasNanOrInfinity() const { return hasNan() || hasInfinity(); }
 
-    // The upper-left 3x3 part alone (no translation, no perspective).
+    /// The upper-left 3x3 part alone (no translation, no perspective).
     Matrix4x4 rotation() const;
-    // rotation() with its three columns made unit length.
+    /// rotation() with its three columns made unit length.
     Matrix4x4 rotationNormalized() const;
     Vector3d axis(Axis3d a) const
     {
         return {_m[4 * int(a)], _m[4 * int(a) + 1], _m[4 * int(a) + 2]};
     }
     Point3d origin() const { return {_m[12], _m[13], _m[14]}; }
-    // The linear scale of the plane: sqrt(|A·D − B·C|).
+    /// The linear scale of the plane: sqrt(|A·D − B·C|).
     double scaleFactor() const;
 
-    // this ×= the view transform of a camera at eye looking at center.
+    /// this ×= the view transform of a camera at eye looking at center.
     void lookAt(Point3d const& eye, Point3d const& center, Vector3d const& up);
-    // this ×= the perspective projection with a vertical field of view in
-    // degrees, onto the clip cube [−1, 1]³ (the camera looks down −z).
+    /// this ×= the perspective projection with a vertical field of view in
+    /// degrees, onto the clip cube [−1, 1]³ (the camera looks down −z).
     void perspectiveProject(double fovyDegrees, double aspect, double zNear, double zFar);
-    // this ×= the perspective projection of the frustum given by its near
-    // rectangle.
+    /// this ×= the perspective projection of the frustum given by its near
+    /// rectangle.
     void perspectiveProject(double left, double right, double bottom, double top, double zNear,
                             double zFar);
-    // this ×= the orthographic projection of the box onto [−1, 1]³.
+    /// this ×= the orthographic projection of the box onto [−1, 1]³.
     void orthogonalProject(double left, double right, double bottom, double top, double zNear,
                            double zFar);
 
-    // Splits an affine matrix into translation × rotation × scale, the
-    // rotation as the angles of Angle3d::toRotationMatrix(). A mirror shows as
-    // a negative x scale. False when a column of the 3x3 part is zero.
+    /// Splits an affine matrix into translation × rotation × scale, the
+    /// rotation as the angles of Angle3d::toRotationMatrix(). A mirror shows as
+    /// a negative x scale. False when a column of the 3x3 part is zero.
     bool extractParameters(Vector3d& translation, Angle3d& angles, Vector3d& scale) const;
-    // The 2D part as translation, rotation (degrees) and scale; a shear is not
-    // reported. False when the first column is zero.
+    /// The 2D part as translation, rotation (degrees) and scale; a shear is not
+    /// reported. False when the first column is zero.
     bool extractParameters(Vector2d& translation, double& angleDegrees, Vector2d& scale) const;
 
-    // Text dumps to standard output, row by row.
+    /// Text dumps to standard output, row by row.
     void print(char const* label) const;
     void debugPrint(char const* label) const;
 
@@ -248,8 +248,8 @@ private:
         _m[i] = v;
     }
     void setValues(double const* values);
-    // r = a × b (r must not alias a or b): column c of r is the columns of a
-    // weighted by column c of b, summed in order k = 0..3.
+    /// r = a × b (r must not alias a or b): column c of r is the columns of a
+    /// weighted by column c of b, summed in order k = 0..3.
     static void product(double const* a, double const* b, double* r)
     {
         Internal::multiply4x4(a, b, r);
@@ -259,7 +259,7 @@ private:
     bool _identity;
 };
 
-// Sixteen contiguous values, then the flag.
+/// Sixteen contiguous values, then the flag.
 static_assert(sizeof(Matrix4x4) == 18 * sizeof(double) && std::is_standard_layout_v<Matrix4x4>);
 
 } // namespace Math

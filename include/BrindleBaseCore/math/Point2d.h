@@ -14,8 +14,8 @@ namespace Math {
 
 namespace detail {
 
-// The two coordinates shared by Vector2d and Point2d: stored contiguously
-// (x, y), read and written in both generations' spellings. Not used on its own.
+/// The two coordinates shared by Vector2d and Point2d: stored contiguously
+/// (x, y), read and written in both generations' spellings. Not used on its own.
 class Coordinates2d
 {
 public:
@@ -52,7 +52,7 @@ protected:
 class Matrix2x3;
 class Point2d;
 
-// An int32 point.
+/// An int32 point.
 class BRINDLE_EXPORT Point2di
 {
 public:
@@ -74,8 +74,8 @@ private:
     std::int32_t _y = 0;
 };
 
-// A free vector of the plane. Every test below is exact (no tolerance); the
-// angle and normalising functions give fixed results for the zero vector.
+/// A free vector of the plane. Every test below is exact (no tolerance); the
+/// angle and normalising functions give fixed results for the zero vector.
 class BRINDLE_EXPORT Vector2d : public detail::Coordinates2d
 {
     friend class Point2d;
@@ -95,37 +95,37 @@ public:
     Vector2d operator/(double f) const { return {_x / f, _y / f}; }
     Vector2d& operator*=(double f) { return _x *= f, _y *= f, *this; }
     Vector2d& operator/=(double f) { return _x /= f, _y /= f, *this; }
-    // Dot product.
+    /// Dot product.
     double operator*(Vector2d const& v) const { return _x * v._x + _y * v._y; }
-    // Transforms without translation (defined in Matrix2x3.h).
+    /// Transforms without translation (defined in Matrix2x3.h).
     Vector2d operator*(Matrix2x3 const& m) const;
     Vector2d& operator*=(Matrix2x3 const& m);
 
     bool operator==(Vector2d const& v) const { return _x == v._x && _y == v._y; }
     bool operator!=(Vector2d const& v) const { return !(*this == v); }
-    // Intended: y first, then x (points sort x first).
+    /// Intended: y first, then x (points sort x first).
     bool operator<(Vector2d const& v) const { return VectorLessYX()(*this, v); }
 
     double GetLength() const { return std::sqrt(_x * _x + _y * _y); }
     double GetLengthSq() const { return _x * _x + _y * _y; }
     double length() const { return GetLength(); }
     double lengthSq() const { return GetLengthSq(); }
-    // Cross product of this and b.
+    /// Cross product of this and b.
     double GetDeterminant(Vector2d const& b) const { return _x * b._y - _y * b._x; }
-    // Signed cosine and sine of the angle to b, not clamped; 0 for a zero vector.
+    /// Signed cosine and sine of the angle to b, not clamped; 0 for a zero vector.
     double GetCos(Vector2d const& b) const;
     double GetSin(Vector2d const& b) const;
-    // No guard against a zero divisor.
+    /// No guard against a zero divisor.
     double GetTan(Vector2d const& b) const { return GetDeterminant(b) / (*this * b); }
     double GetCotan(Vector2d const& b) const { return (*this * b) / GetDeterminant(b); }
-    // cos² and sin² carrying the sign of the dot and cross products.
+    /// cos² and sin² carrying the sign of the dot and cross products.
     double GetSignedCosSq(Vector2d const& b) const;
     double GetSignedSinSq(Vector2d const& b) const;
     double GetRadian() const { return (_x == 0 && _y == 0) ? 0.0 : std::atan2(_y, _x); }
     double GetDegree() const { return GetRadian() * 57.29577951308232; }
     void SetRadian(double r) { *this = fromRadiansAndLength(r, GetLength()); }
     void SetDegree(double d) { SetRadian(d * 0.017453292519943295); }
-    // The zero vector is left unchanged.
+    /// The zero vector is left unchanged.
     void SetLength(double l);
     void Normalize();
     Vector2d GetNormalizedVector() const;
@@ -136,7 +136,7 @@ public:
     Vector2d GetRotated90() const { return {-_y, _x}; }
     void Rotate270() { *this = GetRotated270(); }
     Vector2d GetRotated270() const { return {_y, -_x}; }
-    // Counter-clockwise.
+    /// Counter-clockwise.
     void RotateRadian(double r) { *this = GetRotatedVector(r); }
     void RotateDegree(double d) { RotateRadian(d * 0.017453292519943295); }
     Vector2d GetRotatedVector(double r) const;
@@ -169,7 +169,7 @@ public:
     {
         return fromRadiansAndLength(d * 0.017453292519943295, l);
     }
-    // No special case for t == 1.
+    /// No special case for t == 1.
     static Vector2d interpolate(double t, Vector2d const& a, Vector2d const& b)
     {
         return {a._x + (b._x - a._x) * t, a._y + (b._y - a._y) * t};
@@ -189,18 +189,18 @@ public:
             return a._y < b._y || (a._y == b._y && a._x < b._x);
         }
     };
-    // By atan2 angle in (-pi, pi], lower half first.
+    /// By atan2 angle in (-pi, pi], lower half first.
     struct BRINDLE_EXPORT VectorLessSignedAngle
     {
         bool operator()(Vector2d const& a, Vector2d const& b) const;
     };
-    // Upper half first. Intended: a vector on the positive x axis is less than
-    // nothing, and nothing in the upper half is less than it.
+    /// Upper half first. Intended: a vector on the positive x axis is less than
+    /// nothing, and nothing in the upper half is less than it.
     struct BRINDLE_EXPORT VectorLessUnsignedAngle
     {
         bool operator()(Vector2d const& a, Vector2d const& b) const;
     };
-    // Whether b lies within the counter-clockwise sweep from a to c.
+    /// Whether b lies within the counter-clockwise sweep from a to c.
     struct BRINDLE_EXPORT VectorInBetweenAngle
     {
         bool operator()(Vector2d const& a, Vector2d const& b, Vector2d const& c) const;
@@ -212,7 +212,7 @@ inline Vector2d operator*(double f, Vector2d const& v)
     return v * f;
 }
 
-// A position in the plane.
+/// A position in the plane.
 class BRINDLE_EXPORT Point2d : public detail::Coordinates2d
 {
     friend class Vector2d;
@@ -231,13 +231,13 @@ public:
     Vector2d operator-(Point2d const& p) const { return {_x - p._x, _y - p._y}; }
     Point2d& operator+=(Vector2d const& v) { return _x += v._x, _y += v._y, *this; }
     Point2d& operator-=(Vector2d const& v) { return _x -= v._x, _y -= v._y, *this; }
-    // Transforms with translation (defined in Matrix2x3.h).
+    /// Transforms with translation (defined in Matrix2x3.h).
     Point2d operator*(Matrix2x3 const& m) const;
     Point2d& operator*=(Matrix2x3 const& m);
 
     bool operator==(Point2d const& p) const { return _x == p._x && _y == p._y; }
     bool operator!=(Point2d const& p) const { return !(*this == p); }
-    // Intended: x first, then y (vectors sort y first).
+    /// Intended: x first, then y (vectors sort y first).
     bool operator<(Point2d const& p) const { return PointLessXY()(*this, p); }
 
     double GetDistance(Point2d const& p) const { return std::sqrt(GetDistanceSq(p)); }
@@ -253,8 +253,8 @@ public:
         _x = TUMaths::quantumRound(_x, q);
         _y = TUMaths::quantumRound(_y, q);
     }
-    // Rounds up the coordinates whose component of dir is positive, the
-    // others down.
+    /// Rounds up the coordinates whose component of dir is positive, the
+    /// others down.
     void Round(Vector2d const& dir, double q)
     {
         _x = dir._x > 0 ? TUMaths::quantumCeiling(_x, q) : TUMaths::quantumFloor(_x, q);
@@ -263,7 +263,7 @@ public:
     bool hasNan() const { return std::isnan(_x) || std::isnan(_y); }
     bool hasInfinity() const { return std::isinf(_x) || std::isinf(_y); }
     bool hasNanOrInfinity() const { return !std::isfinite(_x) || !std::isfinite(_y); }
-    // Floors, then truncates without saturation (out of range gives INT_MIN).
+    /// Floors, then truncates without saturation (out of range gives INT_MIN).
     Point2di toPoint2di() const
     {
         return {Internal::truncateToInt32(std::floor(_x)),
@@ -282,7 +282,7 @@ public:
     {
         return {InterpolateX(t, a, b), InterpolateY(t, a, b)};
     }
-    // Barycentric: s·a + t·b + (1 − s − t)·c.
+    /// Barycentric: s·a + t·b + (1 − s − t)·c.
     static Point2d Interpolate(Point2d const& a, double s, Point2d const& b, double t,
                                Point2d const& c)
     {

@@ -16,8 +16,8 @@ namespace Math {
 
 namespace detail {
 
-// The three coordinates shared by Vector3d, Point3d and Angle3d: stored
-// contiguously (x, y, z) and read or written by axis. Not used on its own.
+/// The three coordinates shared by Vector3d, Point3d and Angle3d: stored
+/// contiguously (x, y, z) and read or written by axis. Not used on its own.
 class Coordinates3d
 {
 public:
@@ -65,7 +65,7 @@ public:
         : Coordinates3d(v.x(), v.y(), 0.0)
     {}
     explicit Vector3d(Point3d const& p);
-    // to − from.
+    /// to − from.
     Vector3d(Point3d const& from, Point3d const& to);
 
     Vector3d operator+(Vector3d const& v) const { return {_x + v._x, _y + v._y, _z + v._z}; }
@@ -102,18 +102,18 @@ public:
     }
     Vector2d toVector2d() const { return {_x, _y}; }
 
-    // Intended: no guard, the zero vector becomes NaN.
+    /// Intended: no guard, the zero vector becomes NaN.
     void normalize() { *this = getNormalized(); }
     Vector3d getNormalized() const { return *this * (1.0 / length()); }
-    // In [−1, 1]; 0 when either vector is zero. The sine is never negative.
+    /// In [−1, 1]; 0 when either vector is zero. The sine is never negative.
     double getCos(Vector3d const& b) const;
     double getSin(Vector3d const& b) const;
-    // No guard: b = 0 gives NaN.
+    /// No guard: b = 0 gives NaN.
     double getProjectionRatio(Vector3d const& b) const { return (*this * b) / (b * b); }
     void project(Vector3d const& b) { *this = getProjection(b); }
     Vector3d getProjection(Vector3d const& b) const { return b * getProjectionRatio(b); }
 
-    // Writes "    label : (x, y, z)" to standard output.
+    /// Writes "    label : (x, y, z)" to standard output.
     void debugPrint(char const* label) const;
 };
 
@@ -163,7 +163,7 @@ public:
     {
         return a + (b - a) * t;
     }
-    // Barycentric: s·a + t·b + (1 − s − t)·c.
+    /// Barycentric: s·a + t·b + (1 − s − t)·c.
     static Point3d interpolate(Point3d const& a, double s, Point3d const& b, double t,
                                Point3d const& c)
     {
@@ -180,7 +180,7 @@ inline Vector3d::Vector3d(Point3d const& from, Point3d const& to)
     : Vector3d(to - from)
 {}
 
-// Homogeneous point. The default is (0, 0, 0, 0): w is 0 as well.
+/// Homogeneous point. The default is (0, 0, 0, 0): w is 0 as well.
 class BRINDLE_EXPORT Point4d
 {
 public:
@@ -237,16 +237,16 @@ public:
     bool hasInfinity() const { return toVector3d().hasInfinity() || std::isinf(_w); }
     bool hasNanOrInfinity() const { return hasNan() || hasInfinity(); }
 
-    // Intended: w is not looked at (the same test as Vector3d::isZero).
+    /// Intended: w is not looked at (the same test as Vector3d::isZero).
     bool isOrigin() const { return toVector3d().isZero(); }
     bool isVector() const { return std::fabs(_w) < TUMaths::epsilon(); }
-    // Divides by w unless w is (nearly) 0.
+    /// Divides by w unless w is (nearly) 0.
     void normalize()
     {
         if (!isVector())
             *this = Point4d(_x / _w, _y / _w, _z / _w, 1.0);
     }
-    // Whether the component lies outside [−w, w].
+    /// Whether the component lies outside [−w, w].
     bool isClipped(Axis3d a) const
     {
         double c = (*this)(Axis4d(int(a)));
@@ -258,14 +258,14 @@ public:
     }
     bool isInFront() const { return _w >= -_z; }
 
-    // Divide by w unless it is (nearly) 0.
+    /// Divide by w unless it is (nearly) 0.
     Point2d toPoint2d() const { return isVector() ? Point2d(_x, _y) : Point2d(_x / _w, _y / _w); }
     Point3d toPoint3d() const
     {
         return isVector() ? Point3d(_x, _y, _z) : Point3d(_x / _w, _y / _w, _z / _w);
     }
     Vector2d toVector2d() const { return {_x, _y}; }
-    // Intended: copies x, y, z without dividing by w.
+    /// Intended: copies x, y, z without dividing by w.
     Vector3d toVector3d() const { return {_x, _y, _z}; }
 
     static Point4d interpolate(double t, Point4d const& a, Point4d const& b)
@@ -281,7 +281,7 @@ private:
     double _w = 0.0;
 };
 
-// Rotation angles in degrees about the X, Y and Z axes.
+/// Rotation angles in degrees about the X, Y and Z axes.
 class BRINDLE_EXPORT Angle3d : public detail::Coordinates3d
 {
 public:
@@ -289,11 +289,11 @@ public:
     Angle3d(double px, double py, double pz)
         : Coordinates3d(px, py, pz)
     {}
-    // The heading (y, from +Z towards +X) and pitch (x, positive downwards)
-    // of a direction; no roll.
+    /// The heading (y, from +Z towards +X) and pitch (x, positive downwards)
+    /// of a direction; no roll.
     explicit Angle3d(Vector3d const& direction);
 
-    // Component by component, no wrapping.
+    /// Component by component, no wrapping.
     Angle3d operator+(Angle3d const& a) const { return {_x + a._x, _y + a._y, _z + a._z}; }
     Angle3d operator-(Angle3d const& a) const { return {_x - a._x, _y - a._y, _z - a._z}; }
     Angle3d& operator+=(Angle3d const& a) { return *this = *this + a; }
@@ -302,16 +302,16 @@ public:
     bool operator!=(Angle3d const& a) const { return !(*this == a); }
     bool isIdentity() const { return _x == 0 && _y == 0 && _z == 0; }
 
-    // No wrapping of the angles.
+    /// No wrapping of the angles.
     static Angle3d interpolate(double t, Angle3d const& a, Angle3d const& b)
     {
         return {a._x + (b._x - a._x) * t, a._y + (b._y - a._y) * t, a._z + (b._z - a._z) * t};
     }
-    // Intended: copies the three numbers, it does not make a direction.
+    /// Intended: copies the three numbers, it does not make a direction.
     Vector3d toVector3d() const { return {_x, _y, _z}; }
-    // Identity rotated by z about Z, then by y about Y, then by x about X.
+    /// Identity rotated by z about Z, then by y about Y, then by x about X.
     Matrix4x4 toRotationMatrix() const;
-    // toRotationMatrix() applied to (0, 0, 1).
+    /// toRotationMatrix() applied to (0, 0, 1).
     Vector3d toNormal() const;
 };
 

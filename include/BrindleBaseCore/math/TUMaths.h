@@ -12,9 +12,9 @@
 
 namespace Math::Internal {
 
-// Truncates towards zero to int32 the way the processor's conversion does:
-// NaN and values outside the int32 range give INT_MIN instead of being
-// undefined.
+/// Truncates towards zero to int32 the way the processor's conversion does:
+/// NaN and values outside the int32 range give INT_MIN instead of being
+/// undefined.
 inline int truncateToInt32(double v)
 {
     if (v > -2147483649.0 && v < 2147483648.0)
@@ -22,8 +22,8 @@ inline int truncateToInt32(double v)
     return INT_MIN;
 }
 
-// Truncation to int32 with saturation: above the range gives INT_MAX, below
-// (and NaN) gives INT_MIN.
+/// Truncation to int32 with saturation: above the range gives INT_MAX, below
+/// (and NaN) gives INT_MIN.
 inline int saturateToInt32(double v)
 {
     if (v > 2147483647.0)
@@ -33,7 +33,7 @@ inline int saturateToInt32(double v)
     return truncateToInt32(v);
 }
 
-// x modulo 2^32 as int32, for the results that are defined to wrap.
+/// x modulo 2^32 as int32, for the results that are defined to wrap.
 inline int wrapToInt32(unsigned x)
 {
     return static_cast<int>(x);
@@ -41,7 +41,7 @@ inline int wrapToInt32(unsigned x)
 
 } // namespace Math::Internal
 
-// Static scalar helpers. Comparisons are exact unless epsilon() is named.
+/// Static scalar helpers. Comparisons are exact unless epsilon() is named.
 class BRINDLE_EXPORT TUMaths
 {
 public:
@@ -51,23 +51,23 @@ public:
     static float abs(float v) { return std::fabs(v); }
     static double abs(double v) { return std::fabs(v); }
 
-    // -1, 0 or +1; a NaN gives +1.
+    /// -1, 0 or +1; a NaN gives +1.
     static int sign(int v) { return v < 0 ? -1 : (v == 0 ? 0 : 1); }
     static int sign(float v) { return v < 0 ? -1 : (v == 0 ? 0 : 1); }
     static int sign(double v) { return v < 0 ? -1 : (v == 0 ? 0 : 1); }
 
-    // The int form wraps on overflow (intended).
+    /// The int form wraps on overflow (intended).
     static int square(int v) { return Math::Internal::wrapToInt32(unsigned(v) * unsigned(v)); }
     static double square(double v) { return v * v; }
 
     static int imin(int a, int b) { return a < b ? a : b; }
     static int imax(int a, int b) { return a > b ? a : b; }
-    // A NaN first argument yields the second one.
+    /// A NaN first argument yields the second one.
     static double dmin(double a, double b) { return a < b ? a : b; }
     static double dmax(double a, double b) { return a > b ? a : b; }
 
-    // clamp tests the lower bound first, clipToRange the upper bound first:
-    // they differ only when lo > hi.
+    /// clamp tests the lower bound first, clipToRange the upper bound first:
+    /// they differ only when lo > hi.
     static int clamp(int v, int lo, int hi) { return v < lo ? lo : imin(v, hi); }
     static double clamp(double v, double lo, double hi) { return v < lo ? lo : dmin(v, hi); }
     static int clipToRange(int v, int lo, int hi) { return v > hi ? hi : imax(v, lo); }
@@ -80,7 +80,7 @@ public:
     static bool isNan(double v) { return std::isnan(v); }
     static bool isInfinity(double v) { return std::isinf(v); }
     static bool isNanOrInfinity(double v) { return !std::isfinite(v); }
-    // +-inf become the largest finite values, NaN becomes 0.
+    /// +-inf become the largest finite values, NaN becomes 0.
     static double removeNanOrInfinity(double v)
     {
         if (std::isnan(v))
@@ -98,7 +98,7 @@ public:
         return v;
     }
 
-    // Rounded to int32 with saturation; NaN gives INT_MIN.
+    /// Rounded to int32 with saturation; NaN gives INT_MIN.
     static int iceiling(double v) { return Math::Internal::saturateToInt32(std::ceil(v)); }
     static int ifloor(double v) { return Math::Internal::saturateToInt32(std::floor(v)); }
     static int round(float v) { return round(double(v)); }
@@ -113,8 +113,8 @@ public:
     static double quantumCeiling(double v, double q) { return std::ceil(v / q) * q; }
     static double quantumRound(double v, double q) { return std::floor(v / q + 0.5) * q; }
 
-    // The sum of squares wraps in 32 bits (intended); a negative sum gives
-    // INT_MIN.
+    /// The sum of squares wraps in 32 bits (intended); a negative sum gives
+    /// INT_MIN.
     static int length(int x, int y)
     {
         int sum =
@@ -125,10 +125,10 @@ public:
 
     static double log2(double v);
 
-    // True for 0 as well.
+    /// True for 0 as well.
     static bool isPowerOfTwo(unsigned v) { return (v & (v - 1)) == 0; }
-    // The smallest power of two not below v; 0 gives 0 and anything above
-    // 2^31 gives 1 (the shift wraps, intended).
+    /// The smallest power of two not below v; 0 gives 0 and anything above
+    /// 2^31 gives 1 (the shift wraps, intended).
     static unsigned nextPowerOfTwo(unsigned v)
     {
         if (v == 0)
@@ -136,10 +136,10 @@ public:
         unsigned h = 31u - unsigned(__builtin_clz(v));
         return v == (1u << h) ? v : 1u << ((h + 1) & 31u);
     }
-    // Intended: the same as nextPowerOfTwo, not the nearest power.
+    /// Intended: the same as nextPowerOfTwo, not the nearest power.
     static unsigned nearestPowerOfTwo(unsigned v) { return nextPowerOfTwo(v); }
 
-    // t == 1 gives b exactly.
+    /// t == 1 gives b exactly.
     static double interpolate(double t, double a, double b) { return t == 1 ? b : a + (b - a) * t; }
     static double interpolateInverse(double v, double a, double b)
     {
@@ -149,22 +149,22 @@ public:
             return 1.0;
         return (v - a) / (b - a);
     }
-    // Like interpolateInverse but in [0, 1]; NaN and infinity give 0.
+    /// Like interpolateInverse but in [0, 1]; NaN and infinity give 0.
     static double clampedInterpolateInverse(double v, double a, double b);
-    // Where v lies on the arc from a to b of a circle with the given period.
+    /// Where v lies on the arc from a to b of a circle with the given period.
     static double circularInterpolateInverse(double v, double a, double b, double period);
-    // Along the shorter arc; the result is wrapped except at t == 0 and t == 1.
+    /// Along the shorter arc; the result is wrapped except at t == 0 and t == 1.
     static double interpolateAngleDegree(double t, double a, double b);
     static double interpolateAngleRadian(double t, double a, double b);
 
-    // Wrap into a half-open interval; NaN and infinity give 0.
+    /// Wrap into a half-open interval; NaN and infinity give 0.
     static double clampAngleFrom0To2Pi(double a);
     static double clampAngleFrom0To360(double a);
     static double clampAngleFromMinus180To180(double a);
     static double clampAngleFromMinusPiToPi(double a);
 
-    // Whether the first character (after a leading '-' when longer than one
-    // character) is a digit; the rest is not examined.
+    /// Whether the first character (after a leading '-' when longer than one
+    /// character) is a digit; the rest is not examined.
     static bool isDigit(std::string const* s)
     {
         if (s == nullptr || s->empty())
@@ -173,8 +173,8 @@ public:
         return std::isdigit(static_cast<unsigned char>((*s)[i])) != 0;
     }
 
-    // 48-bit linear congruential generator with process-wide state and no
-    // seeding; not thread-safe. Results are in [0, 2^31).
+    /// 48-bit linear congruential generator with process-wide state and no
+    /// seeding; not thread-safe. Results are in [0, 2^31).
     static long lrand48();
 
 protected:

@@ -9,40 +9,40 @@
 #include <QtCore/QSharedPointer>
 #include <QtCore/QString>
 
-// One process-wide instance, created by the first setup(), deleteAtExit() or
-// createSharedMemory() and never destroyed. Its creation is not locked: make the
-// first call on one thread (normally at start-up); registration may then come
-// from any thread.
-//
-// Creation registers clean() to run at exit and installs handlers for SIGINT and
-// SIGTERM (clean up, then chain to the earlier handler, or else exit with status
-// 255; SIGTERM writes "Terminated\n" to standard error first) and for SIGILL,
-// SIGABRT and SIGSEGV (clean up, chain to the earlier handler, then let the
-// signal take its default course). An earlier "ignore" disposition is chained
-// to as doing nothing.
+/// One process-wide instance, created by the first setup(), deleteAtExit() or
+/// createSharedMemory() and never destroyed. Its creation is not locked: make the
+/// first call on one thread (normally at start-up); registration may then come
+/// from any thread.
+///
+/// Creation registers clean() to run at exit and installs handlers for SIGINT and
+/// SIGTERM (clean up, then chain to the earlier handler, or else exit with status
+/// 255; SIGTERM writes "Terminated\n" to standard error first) and for SIGILL,
+/// SIGABRT and SIGSEGV (clean up, chain to the earlier handler, then let the
+/// signal take its default course). An earlier "ignore" disposition is chained
+/// to as doing nothing.
 class BRINDLE_EXPORT CU_TerminationCleaner
 {
 public:
     static CU_TerminationCleaner* setup();
 
-    // Registers QFileInfo(path).absoluteFilePath() for deletion.
+    /// Registers QFileInfo(path).absoluteFilePath() for deletion.
     static void deleteAtExit(QString const& path);
-    // Writes this process's id (decimal, no line end) into the file and registers
-    // it; false when the file cannot be opened for writing.
+    /// Writes this process's id (decimal, no line end) into the file and registers
+    /// it; false when the file cannot be opened for writing.
     static bool createPidFile(QString const& path);
-    // A new segment object with no key, detached at the end; the caller sets its
-    // key and creates or attaches it.
+    /// A new segment object with no key, detached at the end; the caller sets its
+    /// key and creates or attaches it.
     static QSharedPointer<QSharedMemory> createSharedMemory();
 
     static void clean();
-    // Deletes every registered file ("Error deleting %s" warning for a failure)
-    // and empties the list.
+    /// Deletes every registered file ("Error deleting %s" warning for a failure)
+    /// and empties the list.
     static void cleanFiles();
-    // Detaches every registered segment and empties the list.
+    /// Detaches every registered segment and empties the list.
     static void cleanSharedMemory();
 
-    // Installs `handler` (a void (*)(int)) for `signal`, remembering the earlier
-    // handler unless it was the default disposition. Always returns true.
+    /// Installs `handler` (a void (*)(int)) for `signal`, remembering the earlier
+    /// handler unless it was the default disposition. Always returns true.
     bool installOnSignal(int signal, void* handler);
 
     CU_TerminationCleaner(CU_TerminationCleaner const&) = delete;

@@ -17,10 +17,10 @@
 template <class Mutex>
 class PL_MutexScopeLock;
 
-// A one-byte spin lock with exponential back-off (1, 2, 4, 8, 16 spin-wait hints,
-// then yielding the time slice before every further attempt). For very short
-// critical sections only: no owner check, no recursion, releasing an unheld lock
-// is not detected. Locked and unlocked through PL_MutexScopeLock<PL_SpinMutex>.
+/// A one-byte spin lock with exponential back-off (1, 2, 4, 8, 16 spin-wait hints,
+/// then yielding the time slice before every further attempt). For very short
+/// critical sections only: no owner check, no recursion, releasing an unheld lock
+/// is not detected. Locked and unlocked through PL_MutexScopeLock<PL_SpinMutex>.
 class BRINDLE_EXPORT PL_SpinMutex
 {
 public:
@@ -45,8 +45,8 @@ private:
 };
 
 namespace PL_MutexDetail {
-// The reader-writer word: bit 0 a writer holds it, bit 1 a writer waits, the
-// rest counts the readers in units of 4.
+/// The reader-writer word: bit 0 a writer holds it, bit 1 a writer waits, the
+/// rest counts the readers in units of 4.
 class SpinRwWord : public tbb::spin_rw_mutex
 {
 public:
@@ -54,8 +54,8 @@ public:
 };
 } // namespace PL_MutexDetail
 
-// A reader-writer spin lock: any number of readers or one writer. Used through
-// PL_SpinRwMutex::ScopeLock.
+/// A reader-writer spin lock: any number of readers or one writer. Used through
+/// PL_SpinRwMutex::ScopeLock.
 class BRINDLE_EXPORT PL_SpinRwMutex
 {
 public:
@@ -64,7 +64,7 @@ public:
     PL_SpinRwMutex(PL_SpinRwMutex const&) = delete;
     PL_SpinRwMutex& operator=(PL_SpinRwMutex const&) = delete;
 
-    // Holds the mutex for reading or writing while it lives.
+    /// Holds the mutex for reading or writing while it lives.
     class ScopeLock
     {
     public:
@@ -101,7 +101,7 @@ private:
         else
             m_word->lock_shared();
     }
-    // Whether a writer or a reader leaves is read from the word itself.
+    /// Whether a writer or a reader leaves is read from the word itself.
     void release()
     {
         if (m_word->writerHolds())
@@ -113,8 +113,8 @@ private:
     PL_MutexDetail::SpinRwWord* m_word;
 };
 
-// A fair reader-writer lock: waiters are served in arrival order. Used through
-// PL_QueuingRwMutex::ScopeLock, which can turn a reader into a writer.
+/// A fair reader-writer lock: waiters are served in arrival order. Used through
+/// PL_QueuingRwMutex::ScopeLock, which can turn a reader into a writer.
 class BRINDLE_EXPORT PL_QueuingRwMutex
 {
 public:
@@ -134,9 +134,9 @@ public:
 
         void acquire(PL_QueuingRwMutex& mutex, bool write);
         void release();
-        // True when the reader became a writer without giving the lock up; false
-        // when it was released and re-acquired in between, so whatever was read
-        // under the reader lock must be read again.
+        /// True when the reader became a writer without giving the lock up; false
+        /// when it was released and re-acquired in between, so whatever was read
+        /// under the reader lock must be read again.
         bool upgradeToWriter();
 
     private:
@@ -148,8 +148,8 @@ private:
     tbb::queuing_rw_mutex m_mutex;
 };
 
-// A recursive mutex that can also be tried. Runtime errors are thrown as
-// std::system_error.
+/// A recursive mutex that can also be tried. Runtime errors are thrown as
+/// std::system_error.
 class BRINDLE_EXPORT PL_RecursiveMutex
 {
 public:
@@ -173,7 +173,7 @@ static_assert(sizeof(PL_SpinMutex) == sizeof(void*));
 static_assert(sizeof(PL_SpinRwMutex) == sizeof(void*));
 static_assert(sizeof(PL_RecursiveMutex) == sizeof(void*));
 
-// Holds a PL_SpinMutex from construction to destruction or release().
+/// Holds a PL_SpinMutex from construction to destruction or release().
 template <>
 class PL_MutexScopeLock<PL_SpinMutex>
 {
@@ -201,10 +201,10 @@ private:
     PL_SpinMutex* m_mutex;
 };
 
-// Holds a PL_RecursiveMutex. Beware: try_acquire records the mutex before trying
-// (intended), so after a failed try the guard still counts as holding and its
-// destructor releases a mutex this thread does not hold (the release is refused
-// by the mutex and has no effect). A caller that gets false must not rely on it.
+/// Holds a PL_RecursiveMutex. Beware: try_acquire records the mutex before trying
+/// (intended), so after a failed try the guard still counts as holding and its
+/// destructor releases a mutex this thread does not hold (the release is refused
+/// by the mutex and has no effect). A caller that gets false must not rely on it.
 template <>
 class PL_MutexScopeLock<PL_RecursiveMutex>
 {

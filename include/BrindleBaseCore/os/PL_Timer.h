@@ -6,12 +6,12 @@
 class QObject;
 struct PL_TimerRecord;
 
-// Base class of a timer: override TimerNotify() and call StartTimer/StopTimer.
-// Notifications arrive on the thread of the object given to
-// PL_TimerManager::SetUIThread, either as soon as the expiry reaches it
-// (direct) or from PL_TimerManager::Idle() (queued). A periodic queued timer
-// whose delivery is late gets one notification for all the expiries in between.
-// Destroying an active timer stops it.
+/// Base class of a timer: override TimerNotify() and call StartTimer/StopTimer.
+/// Notifications arrive on the thread of the object given to
+/// PL_TimerManager::SetUIThread, either as soon as the expiry reaches it
+/// (direct) or from PL_TimerManager::Idle() (queued). A periodic queued timer
+/// whose delivery is late gets one notification for all the expiries in between.
+/// Destroying an active timer stops it.
 class BRINDLE_EXPORT PL_Timer
 {
 public:
@@ -22,8 +22,8 @@ public:
 
     virtual void TimerNotify() = 0;
 
-    // Delays below the timer resolution (10 ms) are raised to it. A periodic
-    // direct timer is notified for its first expiry only (intended).
+    /// Delays below the timer resolution (10 ms) are raised to it. A periodic
+    /// direct timer is notified for its first expiry only (intended).
     bool StartTimer(unsigned long milliseconds, bool oneShot, bool direct);
     bool StopTimer();
     bool IsTimerActive() const { return m_record != nullptr; }
@@ -33,25 +33,25 @@ private:
     PL_TimerRecord* m_record = nullptr;
 };
 
-// The process-wide timer manager. Expiries are measured on a timer thread of
-// the library and posted as an event of type 32812 to the object given to
-// SetUIThread; the library routes that event into HandleTimingEvent itself.
-// Until SetUIThread is called (or after the object is destroyed) expiries are
-// dropped. Start, Stop, HandleTimingEvent and Idle belong to that thread.
+/// The process-wide timer manager. Expiries are measured on a timer thread of
+/// the library and posted as an event of type 32812 to the object given to
+/// SetUIThread; the library routes that event into HandleTimingEvent itself.
+/// Until SetUIThread is called (or after the object is destroyed) expiries are
+/// dropped. Start, Stop, HandleTimingEvent and Idle belong to that thread.
 class BRINDLE_EXPORT PL_TimerManager
 {
 public:
     static PL_TimerManager* GetInstance();
 
-    // `window` is an object living on the user-interface thread (null: none).
+    /// `window` is an object living on the user-interface thread (null: none).
     static void SetUIThread(QObject* window);
-    // Calls Idle() whenever the event loop of the calling thread is about to
-    // wait for events, so that SetUIThread plus this call give working timers.
-    // False when the thread has no event dispatcher yet.
+    /// Calls Idle() whenever the event loop of the calling thread is about to
+    /// wait for events, so that SetUIThread plus this call give working timers.
+    /// False when the thread has no event dispatcher yet.
     static bool InstallIdleHook();
 
     void HandleTimingEvent(unsigned long id);
-    // Delivers the queued expiries; does nothing when called from a notification.
+    /// Delivers the queued expiries; does nothing when called from a notification.
     void Idle();
 
     bool Start(PL_Timer* timer, unsigned long milliseconds, bool oneShot, bool direct);
@@ -59,7 +59,7 @@ public:
     PL_TimerRecord* findInPendingTimers(unsigned long id) const;
     void eraseFromPendingTimers(unsigned long id);
 
-    // The resolution in milliseconds.
+    /// The resolution in milliseconds.
     unsigned int Resolution() const;
 
     virtual ~PL_TimerManager();

@@ -9,32 +9,32 @@
 #include <memory>
 #include <set>
 
-// A registered ticket of a TULockOwner.
+/// A registered ticket of a TULockOwner.
 class BRINDLE_EXPORT TULockTicketBase
 {
 public:
     virtual ~TULockTicketBase();
-    // Forget the owner: the lock is no longer given back through this ticket.
+    /// Forget the owner: the lock is no longer given back through this ticket.
     virtual void releaseOwner() = 0;
 };
 
-// The granting side. A concrete owner implements the four protected operations;
-// the public entry points forward to them unchanged. Tickets register with
-// add() and leave with remove(); an owner that dies first orphans its tickets
-// (releaseOwner) so that none of them calls into it afterwards. The ticket set
-// is not guarded: create and destroy the tickets of one owner on one thread, or
-// guard them in the concrete owner.
+/// The granting side. A concrete owner implements the four protected operations;
+/// the public entry points forward to them unchanged. Tickets register with
+/// add() and leave with remove(); an owner that dies first orphans its tickets
+/// (releaseOwner) so that none of them calls into it afterwards. The ticket set
+/// is not guarded: create and destroy the tickets of one owner on one thread, or
+/// guard them in the concrete owner.
 class BRINDLE_EXPORT TULockOwner
 {
 public:
-    // The values are defined by the concrete owners; they are passed through as is.
+    /// The values are defined by the concrete owners; they are passed through as is.
     enum LockResult_t : int
     {
     };
 
     TULockOwner();
-    // Deliberately shallow: the copy shares the source's ticket set, and destroying
-    // either one orphans every ticket in it. Copies must not outlive the source.
+    /// Deliberately shallow: the copy shares the source's ticket set, and destroying
+    /// either one orphans every ticket in it. Copies must not outlive the source.
     TULockOwner(TULockOwner const& other);
     TULockOwner& operator=(TULockOwner const&) = delete;
 
@@ -58,10 +58,10 @@ private:
     std::shared_ptr<std::set<TULockTicketBase*>> m_tickets;
 };
 
-// Holds the lock `key` of `owner`: registers with the owner when constructed and
-// gives the lock back through the owner's release operation when destroyed
-// (an empty key only unregisters). Copies take key and owner without
-// registering, and give the lock back as well when they die.
+/// Holds the lock `key` of `owner`: registers with the owner when constructed and
+/// gives the lock back through the owner's release operation when destroyed
+/// (an empty key only unregisters). Copies take key and owner without
+/// registering, and give the lock back as well when they die.
 class BRINDLE_EXPORT TULockTicket : public TULockTicketBase
 {
 public:

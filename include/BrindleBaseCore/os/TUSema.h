@@ -9,11 +9,11 @@
 
 class QWaitCondition;
 
-// acquire() blocks while the count is 0. release() wakes the longest-waiting
-// thread; a woken thread takes a unit only if one is still there when it runs
-// (a thread calling acquire or tryAcquire in between may take it first), and
-// otherwise queues again at the back. release(n) with more units than waiters
-// wakes them all and keeps the surplus in the count.
+/// acquire() blocks while the count is 0. release() wakes the longest-waiting
+/// thread; a woken thread takes a unit only if one is still there when it runs
+/// (a thread calling acquire or tryAcquire in between may take it first), and
+/// otherwise queues again at the back. release(n) with more units than waiters
+/// wakes them all and keeps the surplus in the count.
 class BRINDLE_EXPORT TUSema
 {
 public:

@@ -6,10 +6,10 @@
 
 #include <QtCore/QUuid>
 
-// A 128-bit unique identifier. A default-constructed UT_Id is a new identifier,
-// different from every other one made anywhere; UT_Id::Null() is the all-zero
-// one. The text form is the usual braced, lower-case hexadecimal form
-// "{xxxxxxxx-xxxx-xxxx-xxxx-xxxxxxxxxxxx}".
+/// A 128-bit unique identifier. A default-constructed UT_Id is a new identifier,
+/// different from every other one made anywhere; UT_Id::Null() is the all-zero
+/// one. The text form is the usual braced, lower-case hexadecimal form
+/// "{xxxxxxxx-xxxx-xxxx-xxxx-xxxxxxxxxxxx}".
 class BRINDLE_EXPORT UT_Id
 {
 public:
@@ -19,8 +19,8 @@ public:
     {}
 
     static UT_Id Null();
-    // Reads the text form (with or without braces); the null identifier when
-    // the text is not one.
+    /// Reads the text form (with or without braces); the null identifier when
+    /// the text is not one.
     static UT_Id FromString(UT_String const& text);
 
     bool IsNull() const { return m_uuid.isNull(); }

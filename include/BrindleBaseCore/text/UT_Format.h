@@ -7,7 +7,7 @@
 class BRINDLE_EXPORT UT_Format
 {
 public:
-    // Other values (through static_cast) give an empty text.
+    /// Other values (through static_cast) give an empty text.
     enum frameFormat
     {
         Timecode = 0,      // [hh:]mm:ss:ff, [mm:]ss:ff or ss:ff, two digits each
@@ -15,14 +15,14 @@ public:
         FeetAndFrames = 2, // feet:frames, 16 frames to the foot ("2:3" for 35)
     };
 
-    // Timecode: hours appear when not zero or when forceHours is set, minutes
-    // when hours appear or are not zero ("00:01" for frame 1 at 24 per second,
-    // "01:02:12" for 1500), in unsigned 32-bit arithmetic. rate is frames per
-    // second; a rate that would divide by zero (0, or a multiple of 2^28, whose
-    // frames per hour wrap to 0) gives an empty timecode.
+    /// Timecode: hours appear when not zero or when forceHours is set, minutes
+    /// when hours appear or are not zero ("00:01" for frame 1 at 24 per second,
+    /// "01:02:12" for 1500), in unsigned 32-bit arithmetic. rate is frames per
+    /// second; a rate that would divide by zero (0, or a multiple of 2^28, whose
+    /// frames per hour wrap to 0) gives an empty timecode.
     static UT_String formatFrame(unsigned frame, unsigned rate, bool forceHours = false,
                                  frameFormat format = Timecode);
 };
 
-// UT_Format::formatFrame(frame, rate, forceHours, UT_Format::Timecode).
+/// UT_Format::formatFrame(frame, rate, forceHours, UT_Format::Timecode).
 BRINDLE_EXPORT UT_String UT_FormatFrame(unsigned frame, unsigned rate, bool forceHours = false);
