@@ -11,6 +11,8 @@
 #include <QtCore/QElapsedTimer>
 #include <QtCore/QTemporaryDir>
 
+#include "BenchReport.h"
+
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
@@ -92,9 +94,8 @@ void compareWithWrite()
     }
     UT_LogIO::close();
     ::close(fd);
-    std::printf("logAction: %.0f lines/s, write(2): %.0f lines/s, ratio ours/peer %.2f "
-                "(target >= 0.80: %s)\n",
-                ours, peer, ours / peer, ours / peer >= 0.8 ? "pass" : "FAIL");
+    bench_report::record("logAction lines vs write(2)", ours, peer, "lines/s", ours / peer, 0.8,
+                         bench_report::Better::Higher);
 }
 
 } // namespace
@@ -118,9 +119,10 @@ int main(int argc, char** argv)
         int startArgc = 4;
         BAPP_Arguments arguments = BAPP_Application::parseArguments(startArgc, startArgv);
         BAPP_CoreApplication app(startArgc, startArgv, arguments);
-        std::printf(
-            "first start-up of BAPP_CoreApplication (-lang fr): %.1f us, %zu translator(s)\n",
-            double(timer.nsecsElapsed()) / 1000.0, app.translators().size());
+        double const us = double(timer.nsecsElapsed()) / 1000.0;
+        std::printf("first start-up loaded %zu translator(s)\n", app.translators().size());
+        bench_report::record("first start-up of BAPP_CoreApplication (-lang fr)", us, NAN, "us",
+                             NAN, 0, bench_report::Better::Lower);
     }
 
     benchmark::Initialize(&argc, argv);

@@ -147,11 +147,11 @@ int main(int argc, char** argv)
     benchmark::Initialize(&argc, argv);
     data_bench::RatioReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
-    reporter.printRatio("BM_ParseOurs", "BM_ParseQt", "QJsonDocument::fromJson().toVariant()", 4);
-    reporter.printRatio("BM_ParseOurs", "BM_ParseNlohmann", "nlohmann::json::parse()", 0);
-    reporter.printRatio("BM_SerializeOurs", "BM_SerializeQt",
-                        "QJsonDocument::fromVariant().toJson()", 5);
-    reporter.printRatio("BM_SerializeOurs", "BM_SerializeNlohmann", "nlohmann::json::dump()", 0);
+    reporter.printRatio("BM_ParseOurs", "BM_ParseQt", "JSON parse vs QJsonDocument", 4);
+    reporter.printRatio("BM_ParseOurs", "BM_ParseNlohmann", "JSON parse vs nlohmann::json", 0);
+    reporter.printRatio("BM_SerializeOurs", "BM_SerializeQt", "JSON serialize vs QJsonDocument", 5);
+    reporter.printRatio("BM_SerializeOurs", "BM_SerializeNlohmann",
+                        "JSON serialize vs nlohmann::json", 0);
     benchmark::Shutdown();
     return 0;
 }

@@ -1,10 +1,11 @@
 // Shared by the data benchmarks: runs the benchmarks and keeps each one's CPU
-// time per iteration so that main() can print ours/peer speed ratios.
+// time per iteration so that main() can report ours/peer speed ratios.
 #pragma once
+
+#include "BenchReport.h"
 
 #include <benchmark/benchmark.h>
 
-#include <cstdio>
 #include <map>
 #include <string>
 #include <vector>
@@ -17,23 +18,21 @@ public:
     void ReportRuns(std::vector<Run> const& runs) override
     {
         for (Run const& run : runs)
-            m_times[run.benchmark_name()] = run.GetAdjustedCPUTime();
+            m_times[run.benchmark_name()] =
+                run.GetAdjustedCPUTime() / benchmark::GetTimeUnitMultiplier(run.time_unit) * 1e6;
         ConsoleReporter::ReportRuns(runs);
     }
 
-    // How many times faster `ours` ran than `peer`, printed with its target.
+    // How many times faster `ours` ran than `peer` (CPU microseconds per
+    // iteration), recorded with its target (0: reference only).
     void printRatio(std::string const& ours, std::string const& peer, char const* label,
                     double target)
     {
         double const mine = m_times[ours], theirs = m_times[peer];
         if (mine <= 0 || theirs <= 0)
             return;
-        double const ratio = theirs / mine;
-        if (target > 0)
-            std::printf("speed ratio ours/%-40s %7.2fx  (target >= %gx: %s)\n", label, ratio,
-                        target, ratio >= target ? "pass" : "FAIL");
-        else
-            std::printf("speed ratio ours/%-40s %7.2fx  (reference)\n", label, ratio);
+        bench_report::record(label, mine, theirs, "us/iter", theirs / mine, target,
+                             bench_report::Better::Higher);
     }
 
 private:

@@ -108,9 +108,10 @@ int main(int argc, char** argv)
     benchmark::Initialize(&argc, argv);
     data_bench::RatioReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
-    reporter.printRatio("BM_UT_Path_SetPath", "BM_QDir_cleanPath", "QDir::cleanPath (1M paths)", 0);
-    reporter.printRatio("BM_UT_RelPath_Assign", "BM_QDir_cleanPath", "QDir::cleanPath (1M paths)",
-                        0);
+    reporter.printRatio("BM_UT_Path_SetPath", "BM_QDir_cleanPath",
+                        "UT_Path::setPath vs QDir::cleanPath (1M paths)", 0);
+    reporter.printRatio("BM_UT_RelPath_Assign", "BM_QDir_cleanPath",
+                        "UT_RelPath assign vs QDir::cleanPath (1M paths)", 0);
     benchmark::Shutdown();
     return 0;
 }

@@ -5,6 +5,8 @@
 #include <BrindleBaseCore/math/Matrix2x3.h>
 #include <BrindleBaseCore/math/Matrix4x4.h>
 
+#include "BenchReport.h"
+
 #include <Eigen/Dense>
 #include <benchmark/benchmark.h>
 #include <glm/glm.hpp>
@@ -243,9 +245,8 @@ int main(int argc, char** argv)
     auto ratio = [&](char const* what, char const* ours, char const* peer, double target) {
         if (!t.count(ours) || !t.count(peer))
             return;
-        double r = t[ours] / t[peer];
-        std::printf("%-44s %7.2f ns / %7.2f ns = %5.2fx  (target <= %.1fx) %s\n", what, t[ours],
-                    t[peer], r, target, r <= target ? "PASS" : "FAIL");
+        bench_report::record(what, t[ours], t[peer], "ns/op", t[ours] / t[peer], target,
+                             bench_report::Better::Lower);
     };
     std::printf("\nours / peer, time per operation:\n");
     ratio("Matrix4x4 product / glm dmat4", "oursProduct", "glmProduct", 1.0);
@@ -255,11 +256,11 @@ int main(int argc, char** argv)
     ratio("Matrix2x3 composition / glm dmat3", "oursCompose2d", "glmCompose2d", 1.0);
     ratio("Matrix2x3 point transform / glm dmat3", "oursPoint2d", "glmPoint2d", 1.0);
     if (t.count("oursIdentityProduct")) {
-        double ns = t["oursIdentityProduct"];
-        std::printf("%-44s %7.2f ns (target < 2 ns) %s\n",
-                    "Matrix4x4 product with flagged identity", ns, ns < 2.0 ? "PASS" : "FAIL");
+        bench_report::record("Matrix4x4 product with flagged identity", t["oursIdentityProduct"],
+                             NAN, "ns/op", NAN, 2.0, bench_report::Better::Lower);
         if (t.count("oursCopy"))
-            std::printf("%-44s %7.2f ns\n", "  (a plain copy of a Matrix4x4)", t["oursCopy"]);
+            bench_report::record("Matrix4x4 plain copy", t["oursCopy"], NAN, "ns/op", NAN, 0,
+                                 bench_report::Better::Lower);
     }
     benchmark::Shutdown();
     return 0;

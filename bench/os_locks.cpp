@@ -3,6 +3,8 @@
 #include <BrindleBaseCore/os/PL_Mutex.h>
 #include <BrindleBaseCore/os/TUSema.h>
 
+#include "BenchReport.h"
+
 #include <benchmark/benchmark.h>
 
 #include <QtCore/QSemaphore>
@@ -65,7 +67,8 @@ double nsPerOpOnTwoThreads(Op&& op, long count)
            double(2 * count);
 }
 
-void report(benchmark::State& state, std::pair<double, double> times, double target)
+void report(benchmark::State& state, char const* name, std::pair<double, double> times,
+            double target)
 {
     auto const [ours, peer] = times;
     state.counters["ours_ns"] = ours;
@@ -73,6 +76,8 @@ void report(benchmark::State& state, std::pair<double, double> times, double tar
     state.counters["ratio"] = ours / peer;
     if (target > 0)
         state.counters["target"] = target;
+    bench_report::record(name, ours, peer, "ns/op", ours / peer, target,
+                         bench_report::Better::Lower);
 }
 
 constexpr long kOps = 1 << 21;
@@ -91,7 +96,8 @@ void SpinMutex_vs_TbbSpinMutex(benchmark::State& state)
     };
     for (auto _ : state)
         lockOurs();
-    report(state, compare(lockOurs, lockPeer, kOps / 4), 1.3);
+    report(state, "spin mutex lock/unlock vs tbb::spin_mutex",
+           compare(lockOurs, lockPeer, kOps / 4), 1.3);
 }
 BENCHMARK(SpinMutex_vs_TbbSpinMutex);
 
@@ -110,7 +116,10 @@ void SpinRwMutex_vs_TbbSpinRwMutex(benchmark::State& state)
     };
     for (auto _ : state)
         lockOurs();
-    report(state, compare(lockOurs, lockPeer, kOps / 4), 1.3);
+    report(state,
+           Write ? "spin rw mutex writer vs tbb::spin_rw_mutex"
+                 : "spin rw mutex reader vs tbb::spin_rw_mutex",
+           compare(lockOurs, lockPeer, kOps / 4), 1.3);
 }
 BENCHMARK(SpinRwMutex_vs_TbbSpinRwMutex<false>)->Name("SpinRwMutex_vs_TbbSpinRwMutex/reader");
 BENCHMARK(SpinRwMutex_vs_TbbSpinRwMutex<true>)->Name("SpinRwMutex_vs_TbbSpinRwMutex/writer");
@@ -130,8 +139,8 @@ void ContendedCounter_SpinMutex_vs_StdMutex(benchmark::State& state)
     };
     for (auto _ : state)
         addOurs();
-    report(state, {nsPerOpOnTwoThreads(addOurs, kOps / 4), nsPerOpOnTwoThreads(addPeer, kOps / 4)},
-           1.0);
+    report(state, "contended counter, spin mutex vs std::mutex",
+           {nsPerOpOnTwoThreads(addOurs, kOps / 4), nsPerOpOnTwoThreads(addPeer, kOps / 4)}, 1.0);
     benchmark::DoNotOptimize(counter);
 }
 BENCHMARK(ContendedCounter_SpinMutex_vs_StdMutex);
@@ -164,7 +173,8 @@ void PingPong_TUSema_vs_QSemaphore(benchmark::State& state)
 {
     for (auto _ : state)
         benchmark::DoNotOptimize(pingPongNs<TUSema>(1000));
-    report(state, {pingPongNs<TUSema>(20000), pingPongNs<QSemaphore>(20000)}, 0);
+    report(state, "semaphore ping-pong vs QSemaphore",
+           {pingPongNs<TUSema>(20000), pingPongNs<QSemaphore>(20000)}, 0);
 }
 BENCHMARK(PingPong_TUSema_vs_QSemaphore)->Iterations(3)->Unit(benchmark::kMillisecond);
 

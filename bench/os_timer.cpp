@@ -2,6 +2,8 @@
 // lateness behind the nominal expiry times and jitter of the intervals.
 #include <BrindleBaseCore/os/PL_Timer.h>
 
+#include "BenchReport.h"
+
 #include <benchmark/benchmark.h>
 
 #include <QtCore/QCoreApplication>
@@ -62,6 +64,10 @@ void PeriodicTimer10ms(benchmark::State& state)
     state.counters["notifications"] = count;
     state.counters["mean_lateness_ms"] = lateness;
     state.counters["jitter_ms"] = jitter;
+    bench_report::record("10 ms periodic timer: mean lateness", lateness, NAN, "ms", NAN, 0,
+                         bench_report::Better::Lower);
+    bench_report::record("10 ms periodic timer: interval jitter", jitter, NAN, "ms", NAN, 0,
+                         bench_report::Better::Lower);
 }
 BENCHMARK(PeriodicTimer10ms)->Iterations(1)->Unit(benchmark::kMillisecond);
 

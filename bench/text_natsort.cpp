@@ -4,6 +4,8 @@
 // (target >= 3.0).
 #include <BrindleBaseCore/text/UT_StringSortNatural.h>
 
+#include "BenchReport.h"
+
 #include <benchmark/benchmark.h>
 
 #include <QtCore/QCollator>
@@ -100,9 +102,8 @@ void BM_NaturalOrder(benchmark::State& state)
     state.counters["ours_ms"] = oursMs;
     state.counters["collator_ms"] = peerMs;
     state.counters["speedup"] = peerMs / oursMs;
-    std::printf("natural order of 200000 names: ours %.1f ms, QCollator sort keys %.1f ms, speedup "
-                "%.2fx (target >= 3.0: %s)\n",
-                oursMs, peerMs, peerMs / oursMs, peerMs / oursMs >= 3.0 ? "pass" : "FAIL");
+    bench_report::record("natural order of 200000 names vs QCollator sort keys", oursMs, peerMs,
+                         "ms", peerMs / oursMs, 3.0, bench_report::Better::Higher);
 }
 
 } // namespace

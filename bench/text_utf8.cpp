@@ -4,6 +4,8 @@
 // (target >= 1.0).
 #include <BrindleBaseCore/text/UT_String.h>
 
+#include "BenchReport.h"
+
 #include <benchmark/benchmark.h>
 
 #include <QtCore/QString>
@@ -72,10 +74,10 @@ void compare(benchmark::State& state, bool mixed)
     state.counters["ours_MiB/s"] = mib / oursSeconds;
     state.counters["qt_MiB/s"] = mib / qtSeconds;
     state.counters["speedup"] = qtSeconds / oursSeconds;
-    std::printf("utf8 decode %-5s: ours %.0f MiB/s, QString::fromUtf8 %.0f MiB/s, speedup %.2fx "
-                "(target >= 1.0: %s)\n",
-                mixed ? "mixed" : "ascii", mib / oursSeconds, mib / qtSeconds,
-                qtSeconds / oursSeconds, qtSeconds / oursSeconds >= 1.0 ? "pass" : "FAIL");
+    bench_report::record(mixed ? "UTF-8 decode (mixed) vs QString::fromUtf8"
+                               : "UTF-8 decode (ASCII) vs QString::fromUtf8",
+                         mib / oursSeconds, mib / qtSeconds, "MiB/s", qtSeconds / oursSeconds, 1.0,
+                         bench_report::Better::Higher);
 }
 
 void BM_DecodeAscii(benchmark::State& state)
