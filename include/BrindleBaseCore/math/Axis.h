@@ -1,4 +1,5 @@
-// Enumerations that index the components of vectors, points and matrices.
+/// @file
+/// Enumerations that index the components of vectors, points and matrices.
 #pragma once
 
 namespace Math {

@@ -1,5 +1,6 @@
-// Axis-aligned boxes of the plane: Math::Box2d (double corners, may be empty)
-// and Math::Box2di (int32 corner and size).
+/// @file
+/// Axis-aligned boxes of the plane: Math::Box2d (double corners, may be empty)
+/// and Math::Box2di (int32 corner and size).
 #pragma once
 
 #include <BrindleBaseCore/Global.h>

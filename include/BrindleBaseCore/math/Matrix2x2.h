@@ -1,7 +1,8 @@
-// Math::Matrix2x2: a 2x2 linear map of the plane that remembers whether it is
-// the identity. Element (r, c) is stored at m[r + 2c]. Several operations take
-// a different path when the identity flag is set; those differences are
-// intended and documented on each operation.
+/// @file
+/// Math::Matrix2x2: a 2x2 linear map of the plane that remembers whether it is
+/// the identity. Element (r, c) is stored at m[r + 2c]. Several operations take
+/// a different path when the identity flag is set; those differences are
+/// intended and documented on each operation.
 #pragma once
 
 #include <BrindleBaseCore/Global.h>

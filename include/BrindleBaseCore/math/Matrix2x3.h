@@ -1,7 +1,8 @@
-// Math::Matrix2x3: the affine transform of the plane, a 2x2 linear part
-// (m0..m3, column by column) and a translation (m4, m5). A point (x, y) maps
-// to (m0·x + m2·y + m4, m1·x + m3·y + m5). Products compose left to right:
-// a * b applies a first, then b.
+/// @file
+/// Math::Matrix2x3: the affine transform of the plane, a 2x2 linear part
+/// (m0..m3, column by column) and a translation (m4, m5). A point (x, y) maps
+/// to (m0·x + m2·y + m4, m1·x + m3·y + m5). Products compose left to right:
+/// a * b applies a first, then b.
 #pragma once
 
 #include <BrindleBaseCore/Global.h>

@@ -1,10 +1,11 @@
-// Math::Matrix4x4: the homogeneous 3D transform. Sixteen doubles stored column
-// by column (element (r, c) at m[4c + r]); points are column vectors and the
-// translation lives in m[12..14]. An identity flag lets the very common
-// identity transform be applied and composed for the cost of a test; every
-// operation checks it first and clears it when it changes the values.
-// Transforming operations (rotate, scale, translate, projections, lookAt)
-// multiply on the right: this = this × T, so T acts on a point first.
+/// @file
+/// Math::Matrix4x4: the homogeneous 3D transform. Sixteen doubles stored column
+/// by column (element (r, c) at m[4c + r]); points are column vectors and the
+/// translation lives in m[12..14]. An identity flag lets the very common
+/// identity transform be applied and composed for the cost of a test; every
+/// operation checks it first and clears it when it changes the values.
+/// Transforming operations (rotate, scale, translate, projections, lookAt)
+/// multiply on the right: this = this × T, so T acts on a point first.
 #pragma once
 
 #include <BrindleBaseCore/Global.h>

@@ -1,5 +1,6 @@
-// Plane vectors and points: Math::Vector2d (free vector), Math::Point2d
-// (position) and Math::Point2di (integer position). Comparisons are exact.
+/// @file
+/// Plane vectors and points: Math::Vector2d (free vector), Math::Point2d
+/// (position) and Math::Point2di (integer position). Comparisons are exact.
 #pragma once
 
 #include <BrindleBaseCore/Global.h>
@@ -272,6 +273,7 @@ public:
     };
 };
 
+/// v scaled by f.
 inline Vector2d operator*(double f, Vector2d const& v)
 {
     return v * f;

@@ -1,7 +1,8 @@
-// Space vectors and points: Math::Vector3d, Math::Point3d, the homogeneous
-// Math::Point4d and the Euler angles Math::Angle3d (degrees about X, Y, Z).
-// Comparisons are exact. Unlike the plane vector, the 3D normalising and
-// projecting functions divide without a guard and give NaN for zero input.
+/// @file
+/// Space vectors and points: Math::Vector3d, Math::Point3d, the homogeneous
+/// Math::Point4d and the Euler angles Math::Angle3d (degrees about X, Y, Z).
+/// Comparisons are exact. Unlike the plane vector, the 3D normalising and
+/// projecting functions divide without a guard and give NaN for zero input.
 #pragma once
 
 #include <BrindleBaseCore/Global.h>
@@ -152,6 +153,7 @@ public:
     void debugPrint(char const* label) const;
 };
 
+/// v scaled by f.
 inline Vector3d operator*(double f, Vector3d const& v)
 {
     return v * f;

@@ -1,6 +1,7 @@
-// Scalar helpers of the geometry kernel: clamping, rounding with int32
-// saturation, interpolation, angle wrapping, powers of two and a 48-bit
-// pseudo-random generator.
+/// @file
+/// Scalar helpers of the geometry kernel: clamping, rounding with int32
+/// saturation, interpolation, angle wrapping, powers of two and a 48-bit
+/// pseudo-random generator.
 #pragma once
 
 #include <BrindleBaseCore/Global.h>
