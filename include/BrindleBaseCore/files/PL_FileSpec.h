@@ -301,7 +301,9 @@ private:
 };
 
 /// Walks the entries of a folder ('.' and '..' skipped) in the order the file
-/// system gives them. Copies share the enumeration.
+/// system gives them. A folder that cannot be read gives an ended iterator at
+/// once. Copies share the enumeration: advancing one moves the position the
+/// others continue from (intended), so keep one iterator per walk.
 class BRINDLE_EXPORT PL_FileSpec_iterator
 {
 public:

@@ -12,8 +12,8 @@ class UT_PathIterator;
 /// A path kept normalised with '/' as its only separator: a drive ("C:", or a
 /// share "//server/share", or empty), a folder (beginning with '/' when
 /// absolute, ending with '/' when not empty) and a file name (empty for a
-/// folder path). When the filter flag is set, every assignment replaces '\'
-/// with '/' and the characters > < ? " * (and ':' after the drive) with '_'.
+/// folder path). When the filter flag is set, every assignment replaces `\`
+/// with `/` and the characters `> < ? " *` (and `:` after the drive) with `_`.
 /// A drive candidate (the text up to a ':' that comes before any '/') that is
 /// not letters and a colon makes the setter return false and keep the old value.
 /// File-system questions are answered by the PL_FileSpec kept in step.
@@ -132,7 +132,7 @@ public:
     /// are taken, the path then holding the last candidate.
     bool MakeUniqueFileName();
 
-    /// Replaces '\' with '/' and the forbidden characters with '_'.
+    /// Replaces `\` with `/` and the forbidden characters with `_`.
     static QString FilterPath(QString const& text, bool fileNamePart);
 
     /// Compares the GetPath() texts exactly.
@@ -156,7 +156,8 @@ private:
 };
 
 /// Walks the folders of a path from the root down to the path's own folder:
-/// "C:/a/b/c.txt" gives "C:/", "C:/a/", "C:/a/b/".
+/// "C:/a/b/c.txt" gives "C:/", "C:/a/", "C:/a/b/". A path without a folder
+/// gives an ended iterator; the file system is not read.
 class BRINDLE_EXPORT UT_PathIterator
 {
 public:

@@ -7,9 +7,14 @@
 
 #include <QtCore/QString>
 
-/// Every assignment normalises the text: '\' becomes '/', the characters
-/// > < ? " * become '_' (':' is kept), trailing '/' are removed (never the
-/// first character) and a leading "./" is dropped with the '/' that follow it.
+/// A light path string, usually relative, with string-level operations only
+/// (no file-system access except the current folder for relative results).
+/// Every assignment normalises the text: `\` becomes `/`, the characters
+/// `> < ? " *` become `_` (`:` is kept), trailing `/` are removed (never the
+/// first character) and a leading `./` is dropped with the `/` that follow it.
+/// Nothing fails: odd input is normalised, and queries on an empty path give
+/// empty texts. Comparisons are exact and case-sensitive, even for paths that
+/// name the same file (intended).
 class BRINDLE_EXPORT UT_RelPath
 {
 public:

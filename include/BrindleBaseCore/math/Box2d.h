@@ -19,7 +19,10 @@ enum Boundary : int
 };
 } // namespace Constants
 
-/// A box of doubles. A default box is empty; adding points grows it.
+/// An axis-aligned box of doubles. A default box is empty; adding points grows
+/// it, and a box spanning two corners is closed on every side. Nothing fails:
+/// the corners of an empty box are meaningless and two empty boxes compare
+/// equal. The side markers (open or closed) are carried but not compared.
 class BRINDLE_EXPORT Box2d
 {
 public:
@@ -76,7 +79,8 @@ private:
                                         Constants::Open};
 };
 
-/// An int32 box given by its corner and size.
+/// An int32 box given by its corner and size. The values are stored as given:
+/// a negative size is kept, not normalised (intended), and nothing fails.
 class BRINDLE_EXPORT Box2di
 {
 public:

@@ -53,7 +53,8 @@ protected:
 class Matrix2x3;
 class Point2d;
 
-/// An int32 point.
+/// An int32 point of the plane, compared exactly. Nothing fails: Point2d::toPoint2di()
+/// gives INT_MIN for coordinates outside the int32 range.
 class BRINDLE_EXPORT Point2di
 {
 public:
@@ -82,8 +83,11 @@ private:
     std::int32_t _y = 0;
 };
 
-/// A free vector of the plane. Every test below is exact (no tolerance); the
-/// angle and normalising functions give fixed results for the zero vector.
+/// A free vector of the plane. Every test below is exact (no tolerance).
+/// Nothing fails: the angle, normalising and projecting functions give fixed
+/// results for the zero vector (angle 0, the vector unchanged or zero), while
+/// division and the tangents have no guard against 0. Two spellings of most
+/// members (Get... and lower case) exist for both generations of callers.
 class BRINDLE_EXPORT Vector2d : public detail::Coordinates2d
 {
     friend class Point2d;
@@ -279,7 +283,10 @@ inline Vector2d operator*(double f, Vector2d const& v)
     return v * f;
 }
 
-/// A position in the plane.
+/// A position in the plane. Points minus points give vectors, points plus
+/// vectors give points. Comparisons are exact and operator< orders x first
+/// (vectors order y first, intended). Nothing fails: NaN and infinity
+/// propagate (hasNanOrInfinity() tells) and toPoint2di() gives INT_MIN out of range.
 class BRINDLE_EXPORT Point2d : public detail::Coordinates2d
 {
     friend class Vector2d;

@@ -240,7 +240,10 @@ inline Vector3d::Vector3d(Point3d const& from, Point3d const& to)
     : Vector3d(to - from)
 {}
 
-/// Homogeneous point. The default is (0, 0, 0, 0): w is 0 as well.
+/// A homogeneous point (x, y, z, w). The default is (0, 0, 0, 0): w is 0 as
+/// well (intended). A w within TUMaths::epsilon() of 0 marks a direction: the
+/// conversions to points then copy x, y, z instead of dividing, so nothing
+/// fails. isOrigin() ignores w (intended).
 class BRINDLE_EXPORT Point4d
 {
 public:
@@ -373,7 +376,9 @@ private:
     double _w = 0.0;
 };
 
-/// Rotation angles in degrees about the X, Y and Z axes.
+/// Rotation angles in degrees about the X, Y and Z axes. The arithmetic is
+/// component by component and never wraps, so 360 and 0 compare different
+/// (intended); nothing fails.
 class BRINDLE_EXPORT Angle3d : public detail::Coordinates3d
 {
 public:

@@ -42,7 +42,11 @@ inline int wrapToInt32(unsigned x)
 
 } // namespace Math::Internal
 
-/// Static scalar helpers. Comparisons are exact unless epsilon() is named.
+/// Static scalar helpers: clamping, rounding, interpolation, angle wrapping,
+/// powers of two and a pseudo-random generator. Comparisons are exact unless
+/// epsilon() is named. Nothing throws: rounding to int saturates (NaN gives
+/// INT_MIN), angle wrapping turns NaN and infinity into 0, and the int forms
+/// of square() and length() wrap in 32 bits (intended).
 class BRINDLE_EXPORT TUMaths
 {
 public:
