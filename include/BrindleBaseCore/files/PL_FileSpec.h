@@ -137,7 +137,7 @@ public:
     SavableID GetSavableID() const;
 
     /// @name Text
-    //@{
+    /**@{*/
     /// The path as it is stored.
     UT_String const& GetFilePath() const { return m_path; }
     /// The path as a QString.
@@ -177,10 +177,10 @@ public:
     /// True when this path lies inside the folder `parent`; `subPath` receives
     /// the part below it (empty when both are the same).
     bool analyseSubPath(PL_FileSpec const& parent, UT_String& subPath) const;
-    //@}
+    /**@}*/
 
     /// @name Tests
-    //@{
+    /**@{*/
     /// Whether a path is named (queries on an empty spec answer false or 0).
     bool IsValid() const { return !m_path.empty(); }
     /// Whether the cached information is filled.
@@ -207,10 +207,10 @@ public:
     PL_FileInfo const& GetFileInfo() const;
     /// Forgets the cached information; the next query reads the file system.
     void ResetInfo() { m_info = PL_FileInfo(); }
-    //@}
+    /**@}*/
 
     /// @name Changes
-    //@{
+    /**@{*/
     /// Creates the folder and any missing parent.
     int CreateFolder() const;
     /// Creates `name` inside this folder, or "name_1", "name_2", ... when taken;
@@ -234,10 +234,10 @@ public:
     /// Copies this file to `target`: false when the target exists and
     /// `overwrite` is false, or when it cannot be removed or copied.
     bool HardLink(PL_FileSpec const& target, bool overwrite) const;
-    //@}
+    /**@}*/
 
     /// @name Opening (any Unicode path)
-    //@{
+    /**@{*/
     /// fopen() for any Unicode path; null on failure.
     static FILE* fopen(QString const& path, char const* mode);
     /// freopen() for any Unicode path; null on failure.
@@ -250,10 +250,10 @@ public:
     FILE* reopen(char const* mode, FILE* stream) const;
     /// fopen() of this path; null on failure.
     FILE* get_fs(char const* mode) const;
-    //@}
+    /**@}*/
 
     /// @name Special folders (0 or an errno value)
-    //@{
+    /**@{*/
     /// Names the per-user settings folder.
     int InitUserAppDataFolder();
     /// Names the per-user data folder.
@@ -268,24 +268,24 @@ public:
     /// 0 when the path is not a shortcut; ENOTSUP for a ".lnk" shortcut, which
     /// cannot be followed here.
     int resolveShortcuts();
-    //@}
+    /**@}*/
 
     /// @name Temporary files
-    //@{
+    /**@{*/
     /// Names a new file "tmpfs_N.tmp" in the process's temporary-files folder
     /// (emptied at its first use in the process). The file is not created.
     int InitTempFile();
     /// Names the session folder (kept from one run to the next).
     int InitSessionTempFolder();
-    //@}
+    /**@}*/
 
     /// @name Enumeration
-    //@{
+    /**@{*/
     /// Starts the enumeration of this folder (ended at once when it cannot be read).
     PL_FileSpec_iterator begin() const;
     /// The ended iterator.
     PL_FileSpec_iterator end() const;
-    //@}
+    /**@}*/
 
     /// Exact comparison of the path texts.
     bool operator==(PL_FileSpec const& other) const { return m_path == other.m_path; }

@@ -93,6 +93,8 @@ public:
         , _height(height)
     {}
 
+    /// @name Corner and size
+    /**@{*/
     /// Left coordinate.
     int x() const { return _x; }
     /// Bottom coordinate.
@@ -101,6 +103,7 @@ public:
     int width() const { return _width; }
     /// Height as stored.
     int height() const { return _height; }
+    /**@}*/
 
     /// Exact comparison of corner and size.
     bool operator==(Box2di const& b) const

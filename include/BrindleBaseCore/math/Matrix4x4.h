@@ -86,48 +86,52 @@ public:
     /// The identity flag as stored (may be false for identity values).
     bool isIdentityFlag() const { return _identity; }
 
-    /// Named elements: A, B, C, D the 2D linear part, E, F the 2D translation,
-    /// G, H the perspective terms of x and y, Z the depth translation and W the
-    /// homogeneous scale.
+    /// @name Named elements
+    /// A, B, C, D the 2D linear part, E, F the 2D translation, G, H the
+    /// perspective terms of x and y, Z the depth translation and W the
+    /// homogeneous scale. The setters clear the identity flag.
+    /**@{*/
+    /// Element A (m0).
     double getA() const { return _m[0]; }
-    /// Named element B.
+    /// Element B (m4).
     double getB() const { return _m[4]; }
-    /// Named element C.
+    /// Element C (m1).
     double getC() const { return _m[1]; }
-    /// Named element D.
+    /// Element D (m5).
     double getD() const { return _m[5]; }
-    /// Named element E.
+    /// Element E (m12).
     double getE() const { return _m[12]; }
-    /// Named element F.
+    /// Element F (m13).
     double getF() const { return _m[13]; }
-    /// Named element G.
+    /// Element G (m3).
     double getG() const { return _m[3]; }
-    /// Named element H.
+    /// Element H (m7).
     double getH() const { return _m[7]; }
-    /// Named element Z.
+    /// Element Z (m14).
     double getZ() const { return _m[14]; }
-    /// Named element W.
+    /// Element W (m15).
     double getW() const { return _m[15]; }
-    /// Sets a (m0); clears the identity flag.
+    /// Sets element A (m0).
     void setA(double v) { set(0, v); }
-    /// Sets b (m4); clears the identity flag.
+    /// Sets element B (m4).
     void setB(double v) { set(4, v); }
-    /// Sets c (m1); clears the identity flag.
+    /// Sets element C (m1).
     void setC(double v) { set(1, v); }
-    /// Sets d (m5); clears the identity flag.
+    /// Sets element D (m5).
     void setD(double v) { set(5, v); }
-    /// Sets e (m12); clears the identity flag.
+    /// Sets element E (m12).
     void setE(double v) { set(12, v); }
-    /// Sets f (m13); clears the identity flag.
+    /// Sets element F (m13).
     void setF(double v) { set(13, v); }
-    /// Sets g (m3); clears the identity flag.
+    /// Sets element G (m3).
     void setG(double v) { set(3, v); }
-    /// Sets h (m7); clears the identity flag.
+    /// Sets element H (m7).
     void setH(double v) { set(7, v); }
-    /// Sets z (m14); clears the identity flag.
+    /// Sets element Z (m14).
     void setZ(double v) { set(14, v); }
-    /// Sets w (m15); clears the identity flag.
+    /// Sets element W (m15).
     void setW(double v) { set(15, v); }
+    /**@}*/
 
     /// this = this × b.
     Matrix4x4& operator*=(Matrix4x4 const& b)

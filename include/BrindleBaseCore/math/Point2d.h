@@ -65,6 +65,8 @@ public:
         , _y(py)
     {}
 
+    /// @name Coordinates
+    /**@{*/
     /// The x coordinate.
     std::int32_t x() const { return _x; }
     /// The y coordinate.
@@ -73,6 +75,7 @@ public:
     std::int32_t& x() { return _x; }
     /// The y coordinate, writable.
     std::int32_t& y() { return _y; }
+    /**@}*/
     /// Exact comparison.
     bool operator==(Point2di const& p) const { return _x == p._x && _y == p._y; }
     /// Negation of operator==.

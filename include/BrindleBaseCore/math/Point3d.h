@@ -277,6 +277,8 @@ public:
         , _w(0.0)
     {}
 
+    /// @name Coordinates
+    /**@{*/
     /// The x coordinate.
     double x() const { return _x; }
     /// The y coordinate.
@@ -311,6 +313,7 @@ public:
     double const* asArray() const { return &_x; }
     /// The four coordinates, contiguous and writable.
     double* asArray() { return &_x; }
+    /**@}*/
 
     /// Exact comparison of the four coordinates.
     bool operator==(Point4d const& p) const
