@@ -1,4 +1,5 @@
-// Temporary folders owned by the process.
+/// @file
+/// Temporary folders owned by the process.
 #pragma once
 
 #include <BrindleBaseCore/Global.h>
@@ -20,6 +21,7 @@ public:
 
     /// The folder; empty when it could not be created.
     QString path() const;
+    /// Whether the folder was created.
     bool isValid() const;
     /// "folder/00000.ext", "folder/00001.ext", ...: safe from many threads.
     QString generateTemporaryName(QString const& extension);

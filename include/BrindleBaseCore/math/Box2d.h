@@ -1,5 +1,6 @@
-// Axis-aligned boxes of the plane: Math::Box2d (double corners, may be empty)
-// and Math::Box2di (int32 corner and size).
+/// @file
+/// Axis-aligned boxes of the plane: Math::Box2d (double corners, may be empty)
+/// and Math::Box2di (int32 corner and size).
 #pragma once
 
 #include <BrindleBaseCore/Global.h>
@@ -13,12 +14,15 @@ namespace Constants {
 /// Whether a side of a box belongs to it.
 enum Boundary : int
 {
-    Open = 0,
-    Closed = 1
+    Open = 0,  ///< The side is excluded.
+    Closed = 1 ///< The side is included.
 };
 } // namespace Constants
 
-/// A box of doubles. A default box is empty; adding points grows it.
+/// An axis-aligned box of doubles. A default box is empty; adding points grows
+/// it, and a box spanning two corners is closed on every side. Nothing fails:
+/// the corners of an empty box are meaningless and two empty boxes compare
+/// equal. The side markers (open or closed) are carried but not compared.
 class BRINDLE_EXPORT Box2d
 {
 public:
@@ -30,8 +34,11 @@ public:
         add(b);
     }
 
+    /// Whether the box holds no point yet (then min() and max() mean nothing).
     bool isEmpty() const { return _empty; }
+    /// The lower-left corner.
     Point2d const& min() const { return _min; }
+    /// The upper-right corner.
     Point2d const& max() const { return _max; }
     /// Side markers: minimum x, minimum y, maximum x, maximum y.
     Constants::Boundary boundary(int side) const { return _boundary[side & 3]; }
@@ -55,10 +62,13 @@ public:
             _max.y() = p.y();
     }
 
+    /// Exact comparison of the corners; two empty boxes are equal whatever their corners, and the
+    /// side markers are not compared.
     bool operator==(Box2d const& b) const
     {
         return _empty == b._empty && (_empty || (_min == b._min && _max == b._max));
     }
+    /// Negation of operator==.
     bool operator!=(Box2d const& b) const { return !(*this == b); }
 
 private:
@@ -69,11 +79,13 @@ private:
                                         Constants::Open};
 };
 
-/// An int32 box given by its corner and size.
+/// An int32 box given by its corner and size. The values are stored as given:
+/// a negative size is kept, not normalised (intended), and nothing fails.
 class BRINDLE_EXPORT Box2di
 {
 public:
     Box2di() = default;
+    /// Corner (x, y) and size; the size is stored as given, even negative.
     Box2di(int x, int y, int width, int height)
         : _x(x)
         , _y(y)
@@ -81,15 +93,24 @@ public:
         , _height(height)
     {}
 
+    /// @name Corner and size
+    /**@{*/
+    /// Left coordinate.
     int x() const { return _x; }
+    /// Bottom coordinate.
     int y() const { return _y; }
+    /// Width as stored.
     int width() const { return _width; }
+    /// Height as stored.
     int height() const { return _height; }
+    /**@}*/
 
+    /// Exact comparison of corner and size.
     bool operator==(Box2di const& b) const
     {
         return _x == b._x && _y == b._y && _width == b._width && _height == b._height;
     }
+    /// Negation of operator==.
     bool operator!=(Box2di const& b) const { return !(*this == b); }
 
 private:

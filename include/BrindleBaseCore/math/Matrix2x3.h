@@ -1,7 +1,8 @@
-// Math::Matrix2x3: the affine transform of the plane, a 2x2 linear part
-// (m0..m3, column by column) and a translation (m4, m5). A point (x, y) maps
-// to (m0·x + m2·y + m4, m1·x + m3·y + m5). Products compose left to right:
-// a * b applies a first, then b.
+/// @file
+/// Math::Matrix2x3: the affine transform of the plane, a 2x2 linear part
+/// (m0..m3, column by column) and a translation (m4, m5). A point (x, y) maps
+/// to (m0·x + m2·y + m4, m1·x + m3·y + m5). Products compose left to right:
+/// a * b applies a first, then b.
 #pragma once
 
 #include <BrindleBaseCore/Global.h>
@@ -15,24 +16,35 @@ namespace Math {
 class Box2d;
 class Box2di;
 
+/// The affine transform of the plane: a 2x2 linear part (m0..m3, column by column) and a
+/// translation (m4, m5). A point (x, y) maps to (m0·x + m2·y + m4, m1·x + m3·y + m5); products
+/// compose left to right, so a * b applies a first, then b. Nothing throws: MatrixInverse() of a
+/// singular matrix returns false and leaves this unchanged, and NaN or infinity propagate
+/// (hasNanOrInfinity() tells). The capitalised and lower-case member names both exist for the two
+/// generations of callers (intended).
 class BRINDLE_EXPORT Matrix2x3
 {
 public:
     Matrix2x3() = default;
+    /// Linear part with columns a and b, no translation.
     Matrix2x3(Vector2d const& a, Vector2d const& b)
         : _m{a.x(), a.y(), b.x(), b.y(), 0.0, 0.0}
     {}
+    /// Linear part with columns a and b, translation o.
     Matrix2x3(Vector2d const& a, Vector2d const& b, Point2d const& o)
         : _m{a.x(), a.y(), b.x(), b.y(), o.x(), o.y()}
     {}
 
     /// Element (row, column) without range check.
     double& operator()(unsigned row, unsigned column) { return _m[row + 2 * column]; }
+    /// Element at row (0 or 1) and column (0 to 2); no range check.
     double operator()(unsigned row, unsigned column) const { return _m[row + 2 * column]; }
+    /// The six values in storage order.
     double const* asArray() const { return _m; }
 
     /// Byte-wise: −0 differs from +0.
     bool operator==(Matrix2x3 const& b) const;
+    /// Negation of operator==.
     bool operator!=(Matrix2x3 const& b) const { return !(*this == b); }
     /// Intended: compares the stored bytes as an unsigned byte string, not the
     /// numbers; the order that containers keyed by transforms rely on.
@@ -45,6 +57,7 @@ public:
         compose(*this, b, r);
         return r;
     }
+    /// this = this * b (this applied first).
     Matrix2x3& operator*=(Matrix2x3 const& b)
     {
         compose(*this, b, *this);
@@ -55,35 +68,46 @@ public:
 
     /// Counter-clockwise, in radians.
     static Matrix2x3 CreateRotate(double angle);
+    /// A scaling by s.x() and s.y().
     static Matrix2x3 CreateScale(Vector2d const& s) { return {s.x(), 0, 0, s.y(), 0, 0}; }
     /// x' = x + k·y.
     static Matrix2x3 CreateShearX(double k) { return {1, 0, k, 1, 0, 0}; }
     /// y' = k·x + y.
     static Matrix2x3 CreateShearY(double k) { return {1, k, 0, 1, 0, 0}; }
+    /// A translation by t.
     static Matrix2x3 CreateTranslate(Vector2d const& t) { return {1, 0, 0, 1, t.x(), t.y()}; }
     /// Each applies the matching Create matrix after this one.
     void Rotate(double angle);
+    /// Composes with a scaling by s.
     void Scale(Vector2d const& s);
+    /// Composes with a shear along x by k.
     void ShearX(double k);
+    /// Composes with a shear along y by k.
     void ShearY(double k);
+    /// Composes with a translation by t.
     void Translate(Vector2d const& t)
     {
         _m[4] += t.x();
         _m[5] += t.y();
     }
 
+    /// Determinant of the linear part.
     double Determinant() const { return _m[3] * _m[0] - _m[2] * _m[1]; }
+    /// Whether the determinant is exactly 0.
     bool isSingular() const { return Determinant() == 0; }
     /// Byte-wise equal to the identity: a −0 entry makes it false.
     bool IsIdentity() const { return *this == Matrix2x3(); }
     /// Sets this to the inverse of m; false (this unchanged) when singular.
     bool MatrixInverse(Matrix2x3 const& m);
+    /// Makes this the identity.
     void resetToIdentity() { *this = Matrix2x3(); }
 
+    /// p transformed, translation included.
     Point2d Transform(Point2d const& p) const
     {
         return {_m[0] * p.x() + _m[2] * p.y() + _m[4], _m[1] * p.x() + _m[3] * p.y() + _m[5]};
     }
+    /// v transformed by the linear part only.
     Vector2d Transform(Vector2d const& v) const
     {
         return {_m[0] * v.x() + _m[2] * v.y(), _m[1] * v.x() + _m[3] * v.y()};
@@ -100,17 +124,23 @@ public:
         outX = float(p.x());
         outY = float(p.y());
     }
+    /// (x, y) transformed in float, for vertex buffers.
     void TransformPoint(float x, float y, float& outX, float& outY) const
     {
         TransformPoint(double(x), double(y), outX, outY);
     }
 
+    /// Column a of the linear part.
     Vector2d axis(Axis2d a) const { return {_m[2 * int(a)], _m[2 * int(a) + 1]}; }
+    /// The translation, as the image of the origin.
     Point2d origin() const { return {_m[4], _m[5]}; }
     /// Shear counts as rotation.
     bool hasRotation() const { return _m[1] != 0 || _m[2] != 0; }
+    /// Whether an element is NaN.
     bool hasNan() const;
+    /// Whether an element is infinite.
     bool hasInfinity() const;
+    /// Whether an element is NaN or infinite.
     bool hasNanOrInfinity() const { return hasNan() || hasInfinity(); }
 
     /// Writes the label ("Matrix" when null or empty) and the two rows.

@@ -1,10 +1,11 @@
-// Math::Matrix4x4: the homogeneous 3D transform. Sixteen doubles stored column
-// by column (element (r, c) at m[4c + r]); points are column vectors and the
-// translation lives in m[12..14]. An identity flag lets the very common
-// identity transform be applied and composed for the cost of a test; every
-// operation checks it first and clears it when it changes the values.
-// Transforming operations (rotate, scale, translate, projections, lookAt)
-// multiply on the right: this = this × T, so T acts on a point first.
+/// @file
+/// Math::Matrix4x4: the homogeneous 3D transform. Sixteen doubles stored column
+/// by column (element (r, c) at m[4c + r]); points are column vectors and the
+/// translation lives in m[12..14]. An identity flag lets the very common
+/// identity transform be applied and composed for the cost of a test; every
+/// operation checks it first and clears it when it changes the values.
+/// Transforming operations (rotate, scale, translate, projections, lookAt)
+/// multiply on the right: this = this × T, so T acts on a point first.
 #pragma once
 
 #include <BrindleBaseCore/Global.h>
@@ -24,6 +25,13 @@ namespace Internal {
 BRINDLE_EXPORT void multiply4x4(double const* a, double const* b, double* r);
 } // namespace Internal
 
+/// The homogeneous 3D transform: sixteen doubles stored column by column (element (r, c) at m[4c +
+/// r]), points as column vectors, translation in m[12..14]. Transforming members (rotate, scale,
+/// translate, projections, lookAt) multiply on the right, so the new transform acts on a point
+/// first. An identity flag makes applying and composing the identity cost one test; every operation
+/// checks it first and clears it when values change. Inverting a singular matrix is the one
+/// failure: getInverse() and inverse() throw Singularity. NaN and infinity otherwise propagate
+/// (hasNanOrInfinity() tells).
 class BRINDLE_EXPORT Matrix4x4
 {
 public:
@@ -32,9 +40,11 @@ public:
     class BRINDLE_EXPORT Singularity : public std::exception
     {
     public:
+        /// A fixed message naming the singular matrix.
         char const* what() const noexcept override;
     };
 
+    /// The identity matrix, flagged.
     static const Matrix4x4 Identity;
     /// The sixteen identity values, for comparisons.
     static double const* const _identityPattern;
@@ -56,6 +66,7 @@ public:
               double m14, double m15);
     /// Sixteen values in storage order; a null pointer gives the identity.
     explicit Matrix4x4(double const* values);
+    /// Sixteen floats in storage order; a null pointer gives the identity.
     explicit Matrix4x4(float const* values);
 
     /// Writing through the mutable form clears the identity flag.
@@ -64,35 +75,63 @@ public:
         _identity = false;
         return _m[4 * c + r];
     }
+    /// Element at row r, column c.
     double operator()(Row r, Column c) const { return _m[4 * c + r]; }
+    /// The sixteen values in storage order.
     double const* asArray() const { return _m; }
+    /// Copies the sixteen values, in storage order, to out.
     void getValues(double* out) const;
+    /// Copies the sixteen values, in storage order and narrowed to float, to out.
     void getValues(float* out) const;
+    /// The identity flag as stored (may be false for identity values).
     bool isIdentityFlag() const { return _identity; }
 
-    /// Named elements: A, B, C, D the 2D linear part, E, F the 2D translation,
-    /// G, H the perspective terms of x and y, Z the depth translation and W the
-    /// homogeneous scale.
+    /// @name Named elements
+    /// A, B, C, D the 2D linear part, E, F the 2D translation, G, H the
+    /// perspective terms of x and y, Z the depth translation and W the
+    /// homogeneous scale. The setters clear the identity flag.
+    /**@{*/
+    /// Element A (m0).
     double getA() const { return _m[0]; }
+    /// Element B (m4).
     double getB() const { return _m[4]; }
+    /// Element C (m1).
     double getC() const { return _m[1]; }
+    /// Element D (m5).
     double getD() const { return _m[5]; }
+    /// Element E (m12).
     double getE() const { return _m[12]; }
+    /// Element F (m13).
     double getF() const { return _m[13]; }
+    /// Element G (m3).
     double getG() const { return _m[3]; }
+    /// Element H (m7).
     double getH() const { return _m[7]; }
+    /// Element Z (m14).
     double getZ() const { return _m[14]; }
+    /// Element W (m15).
     double getW() const { return _m[15]; }
+    /// Sets element A (m0).
     void setA(double v) { set(0, v); }
+    /// Sets element B (m4).
     void setB(double v) { set(4, v); }
+    /// Sets element C (m1).
     void setC(double v) { set(1, v); }
+    /// Sets element D (m5).
     void setD(double v) { set(5, v); }
+    /// Sets element E (m12).
     void setE(double v) { set(12, v); }
+    /// Sets element F (m13).
     void setF(double v) { set(13, v); }
+    /// Sets element G (m3).
     void setG(double v) { set(3, v); }
+    /// Sets element H (m7).
     void setH(double v) { set(7, v); }
+    /// Sets element Z (m14).
     void setZ(double v) { set(14, v); }
+    /// Sets element W (m15).
     void setW(double v) { set(15, v); }
+    /**@}*/
 
     /// this = this × b.
     Matrix4x4& operator*=(Matrix4x4 const& b)
@@ -105,6 +144,7 @@ public:
             _m[i] = r[i];
         return *this;
     }
+    /// this = this × b (the same as operator*=).
     void multiply(Matrix4x4 const& b) { *this *= b; }
     Matrix4x4 operator*(Matrix4x4 const& b) const
     {
@@ -120,9 +160,13 @@ public:
     /// The axis is used as passed, not normalised. Rotations about exactly
     /// (0, 0, 1) update two columns in place.
     void rotateRadians(double angle, Vector3d const& axis);
+    /// Rotation by an angle in degrees about axis (see rotateRadians()).
     void rotateDegrees(double angle, Vector3d const& axis);
+    /// Composes with a scaling by (sx, sy, sz).
     void scale(double sx, double sy, double sz);
+    /// Composes with a translation by (x, y, z).
     void translate(double x, double y, double z);
+    /// Composes with a translation by v.
     void translate(Vector3d const& v) { translate(v.x(), v.y(), v.z()); }
     /// this ×= the shear x' = x + kx·y, y' = y + ky·x.
     void skew(double kx, double ky);
@@ -151,7 +195,9 @@ public:
     Point2d operator*(Point2d const& p) const { return (*this * Point3d(p, 0.0)).toPoint2d(); }
     /// The full homogeneous product, no division.
     Point4d operator*(Point4d const& p) const;
+    /// The same as this * p.
     Point3d multiplyPoint(Point3d const& p) const { return *this * p; }
+    /// The same as this * v.
     Vector3d multiplyVector(Vector3d const& v) const { return *this * v; }
     /// The point with w = 1, transformed without division.
     Point4d homogeneousTransform(Point3d const& p) const { return *this * Point4d(p); }
@@ -159,11 +205,15 @@ public:
     /// By LU decomposition (Crout, partial pivoting, implicit scaling); throws
     /// Singularity. inverse() leaves the matrix unchanged when it throws.
     Matrix4x4 getInverse() const;
+    /// Replaces this by its inverse; throws Singularity and leaves this unchanged when singular.
     void inverse() { *this = getInverse(); }
     /// Whether the LU decomposition fails; the identity never does.
     bool isSingular() const;
+    /// Determinant; 1 without computing when flagged.
     double determinant() const;
+    /// Transposes in place.
     void transpose();
+    /// The transposed copy.
     Matrix4x4 getTranspose() const;
     /// Divides every value by m[15] unless it is within epsilon of 0.
     void normalize();
@@ -177,6 +227,7 @@ public:
     /// Two flagged matrices are equal; otherwise the values are compared
     /// bitwise, as isEmpty() does.
     bool operator==(Matrix4x4 const& b) const;
+    /// Negation of operator==.
     bool operator!=(Matrix4x4 const& b) const { return !(*this == b); }
     /// −1, 0 or +1 by the first value that is less or greater in storage order
     /// (NaNs are passed over); the flags are not consulted.
@@ -195,18 +246,23 @@ public:
     bool isPerspectiveProjection() const { return _m[3] != 0 || _m[7] != 0 || _m[11] != 0; }
     /// Whether the 3x3 part has an off-diagonal term (shear included).
     bool hasRotation() const;
+    /// Whether an element is NaN.
     bool hasNan() const;
+    /// Whether an element is infinite.
     bool hasInfinity() const;
+    /// Whether an element is NaN or infinite.
     bool hasNanOrInfinity() const { return hasNan() || hasInfinity(); }
 
     /// The upper-left 3x3 part alone (no translation, no perspective).
     Matrix4x4 rotation() const;
     /// rotation() with its three columns made unit length.
     Matrix4x4 rotationNormalized() const;
+    /// Column a (the image of the unit vector on axis a).
     Vector3d axis(Axis3d a) const
     {
         return {_m[4 * int(a)], _m[4 * int(a) + 1], _m[4 * int(a) + 2]};
     }
+    /// The translation, as the image of the origin.
     Point3d origin() const { return {_m[12], _m[13], _m[14]}; }
     /// The linear scale of the plane: sqrt(|A·D − B·C|).
     double scaleFactor() const;
@@ -234,6 +290,7 @@ public:
 
     /// Text dumps to standard output, row by row.
     void print(char const* label) const;
+    /// The same dump as print().
     void debugPrint(char const* label) const;
 
 private:

@@ -1,18 +1,25 @@
-// Frame numbers as timecode, plain numbers or feet and frames.
+/// @file
+/// Frame numbers as timecode, plain numbers or feet and frames.
 #pragma once
 
 #include <BrindleBaseCore/Global.h>
 #include <BrindleBaseCore/text/UT_String.h>
 
+/// Formatting of frame numbers as timecode, plain numbers or feet and frames.
+/// Stateless: everything is in the static formatFrame(). Bad input never fails loudly: an unknown
+/// format or a rate that would divide by zero gives an empty text. Arithmetic is unsigned 32-bit
+/// and wraps (intended), so very large frames or rates give the wrapped timecode rather than an
+/// error.
 class BRINDLE_EXPORT UT_Format
 {
 public:
-    /// Other values (through static_cast) give an empty text.
+    /// The text forms of a frame. Other values (through static_cast) give an
+    /// empty text.
     enum frameFormat
     {
-        Timecode = 0,      // [hh:]mm:ss:ff, [mm:]ss:ff or ss:ff, two digits each
-        FrameNumber = 1,   // the frame as a decimal number
-        FeetAndFrames = 2, // feet:frames, 16 frames to the foot ("2:3" for 35)
+        Timecode = 0,      ///< [hh:]mm:ss:ff, [mm:]ss:ff or ss:ff, two digits each.
+        FrameNumber = 1,   ///< The frame as a decimal number.
+        FeetAndFrames = 2, ///< feet:frames, 16 frames to the foot ("2:3" for 35).
     };
 
     /// Timecode: hours appear when not zero or when forceHours is set, minutes

@@ -1,4 +1,5 @@
-// Small string services: white space, 8-bit copies, name ordering, conditions.
+/// @file
+/// Small string services: white space, 8-bit copies, name ordering, conditions.
 #pragma once
 
 #include <BrindleBaseCore/Global.h>

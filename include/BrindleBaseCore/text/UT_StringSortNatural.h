@@ -1,4 +1,5 @@
-// Natural ("file2 before file10") ordering of lists of names.
+/// @file
+/// Natural ("file2 before file10") ordering of lists of names.
 #pragma once
 
 #include <BrindleBaseCore/Global.h>
