@@ -20,9 +20,13 @@ class BRINDLE_EXPORT TUCRC64Calculator
 {
 public:
     TUCRC64Calculator();
+    /// Copies the table.
     TUCRC64Calculator(TUCRC64Calculator const&) = default;
+    /// Moves (copies) the table.
     TUCRC64Calculator(TUCRC64Calculator&&) = default;
+    /// Copies the table.
     TUCRC64Calculator& operator=(TUCRC64Calculator const&) = default;
+    /// Moves (copies) the table.
     TUCRC64Calculator& operator=(TUCRC64Calculator&&) = default;
 
     /// CRC of the bytes: first the high 32 bits, second the low 32 bits.
