@@ -38,15 +38,17 @@ typedef int OSW_Handle;
 class BRINDLE_EXPORT OSW_Pipe
 {
 public:
+    /// The side of a named pipe an end works on.
     enum Mode_t
     {
-        Read = 0,
-        Write = 1
+        Read = 0, ///< The read side.
+        Write = 1 ///< The write side.
     };
 
     OSW_Pipe();
     ~OSW_Pipe();
     OSW_Pipe(OSW_Pipe const&) = delete;
+    /// Shares `other`'s record (shallow, see the class).
     OSW_Pipe& operator=(OSW_Pipe const& other);
 
     /// Adopts the handles (either pointer may be null); the pipe owns and closes
@@ -74,15 +76,23 @@ public:
     /// Writes the buffer as one message. True on success.
     bool writeData(void const* buffer, quint64 size);
 
+    /// The read handle in `*handle`; false when there is no read side.
     bool getReadHandle(OSW_Handle* handle) const;
+    /// The write handle in `*handle`; false when there is no write side.
     bool getWriteHandle(OSW_Handle* handle) const;
 
+    /// Whether either side is open.
     bool isOpened() const;
+    /// Whether the read side is open.
     bool isOpenedForReading() const;
+    /// Whether the write side is open.
     bool isOpenedForWriting() const;
 
+    /// Closes the read side.
     void closeRead();
+    /// Closes the write side.
     void closeWrite();
+    /// Closes both sides.
     void close();
 
     /// The folder that holds the pipe names of this user.

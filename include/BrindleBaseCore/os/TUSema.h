@@ -17,14 +17,19 @@ class QWaitCondition;
 class BRINDLE_EXPORT TUSema
 {
 public:
+    /// Starts with `initialCount` units.
     explicit TUSema(quint32 initialCount = 0);
     ~TUSema();
     TUSema(TUSema const&) = delete;
     TUSema& operator=(TUSema const&) = delete;
 
+    /// Takes a unit, waiting in turn while there is none.
     void acquire();
+    /// Takes a unit if one is there; false otherwise, without waiting.
     bool tryAcquire();
+    /// Adds a unit and wakes the longest waiter.
     void release();
+    /// Adds `n` units and wakes up to `n` waiters.
     void release(quint32 n);
 
 private:
