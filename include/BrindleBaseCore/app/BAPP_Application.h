@@ -90,7 +90,7 @@ public:
     /// Finds and loads base_LANG.qm (see findTranslator) and installs it.
     /// False when there is none or it cannot be loaded.
     bool addTranslator(QString const& baseName, QString const& directory = QString());
-    /// Adds "<library folder>/qt/plugins" to Qt's library paths.
+    /// Adds `<library folder>/qt/plugins` to Qt's library paths.
     void setupLibraries();
 
     /// The language chosen by "-lang" or changeLanguage(); null when none.

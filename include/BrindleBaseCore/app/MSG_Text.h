@@ -82,13 +82,13 @@ public:
     /// arg(MSG_Text) puts the other's text into the text and its translation
     /// into the translation.
     MSG_Text& arg(MSG_Text const& other);
-    /// Replaces the lowest %N with `a`.
+    /// Replaces the lowest-numbered place marker (%1, %2, ...) with `a`.
     MSG_Text& arg(QString const& a, int fieldWidth = 0);
-    /// Replaces the two lowest %N, in order.
+    /// Replaces the two lowest-numbered place markers, in order.
     MSG_Text& arg(QString const& a1, QString const& a2);
-    /// Replaces the three lowest %N, in order.
+    /// Replaces the three lowest-numbered place markers, in order.
     MSG_Text& arg(QString const& a1, QString const& a2, QString const& a3);
-    /// Replaces the four lowest %N, in order.
+    /// Replaces the four lowest-numbered place markers, in order.
     MSG_Text& arg(QString const& a1, QString const& a2, QString const& a3, QString const& a4);
     /// A C string is read as UTF-8, a std::string as Latin-1 (the asymmetry is intended).
     MSG_Text& arg(char const* a, int fieldWidth = 0);

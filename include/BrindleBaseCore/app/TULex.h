@@ -119,7 +119,7 @@ public:
     /// The line on which the current token starts.
     unsigned getTokenLineNo() const { return m_tokenStartLine; }
 
-    /// Reports "Syntax error at line N:\n MESSAGE (TOKEN)" with error code 3
+    /// Reports `Syntax error at line N:\n MESSAGE (TOKEN)` with error code 3
     /// as a warning and sets isError(). After a successful typed read the line and
     /// the token are those of the value just consumed.
     void syntaxErr(MSG_Text const& message);

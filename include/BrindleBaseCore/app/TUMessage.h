@@ -41,7 +41,9 @@ public:
     static void setInstance(TUMessage* p);
     /// Destroys the channel (a line on standard error when there is none).
     static void releaseInstance();
-    /// "[yyyy.MM.dd-hh.mm.ss][pid@tid] message" on standard error; needs no instance.
+    /// Writes the message on standard error after the prefix
+    /// `[yyyy.MM.dd-hh.mm.ss]` `[pid@tid]` (no blank between the two) and a
+    /// blank; needs no instance.
     static void LogToStdErr(QString const& message);
 
 protected:

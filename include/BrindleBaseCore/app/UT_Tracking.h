@@ -49,12 +49,12 @@ public:
         /// The address of a frame; frame < count().
         quint64 address(quint32 frame) const { return m_addresses[frame]; }
 
-        /// One line per frame: "NNN 0x<address> module!symbol + 0x<offset>"
+        /// One line per frame: `NNN 0x<address> module!symbol + 0x<offset>`
         /// followed, with withSourceLines and when debug information is
-        /// available, by " [file:line]". "Empty stack trace\n" for an empty
-        /// trace, "Can't allocate stack trace\n" when the capture had no memory.
+        /// available, by ` [file:line]`. `Empty stack trace\n` for an empty
+        /// trace, `Can't allocate stack trace\n` when the capture had no memory.
         std::string getText(bool withSourceLines = true) const;
-        /// One line per frame: "NNN module + 0x<offset from the module's base>".
+        /// One line per frame: `NNN module + 0x<offset from the module's base>`.
         std::string getRelativeOffsets() const;
 
     private:
@@ -117,7 +117,7 @@ public:
     /// Reports a fatal signal: the first one through TrackSignal(); any later
     /// one writes "Multiple signal N Start/End" and disarms the handlers.
     static void SignalHandler(int sig);
-    /// Reports "App terminated by <name>" with the caller's stack (fatal).
+    /// Reports `App terminated by <name>` with the caller's stack (fatal).
     static void TrackSignal(std::string const& name);
 
     /// A user action, as a breadcrumb for the crash reports. The breadcrumb
@@ -162,7 +162,7 @@ public:
 
 /// The assertion reporter.
 namespace Assertion {
-/// Writes "file(line):\tASSERT: "expression" \nmessage\n" (LEGACY_ASSERT when
+/// Writes `file(line):\tASSERT: "expression" \nmessage\n` (LEGACY_ASSERT when
 /// legacy; the last line feed only with a message) to standard output and to
 /// standard error, then, unless legacy, stops in the debugger when one is
 /// attached. A legacy assertion only reports.

@@ -16,16 +16,17 @@
 /// else their text as a QString (so "1e5" is read as the text "1e5", intended).
 /// A null QString reads as an invalid QVariant with ok = true.
 ///
-/// Besides invalid syntax, reading fails (ok = false, invalid result) on an
-/// escape other than `\"` `\\` `\/` `\b` `\f` `\n` `\r` `\t` `\uXXXX`, on a `\u` not followed by
-/// four hexadecimal digits, and on arrays and objects nested deeper than
-/// maxDepth(); writing fails on non-finite doubles, on values with no text form
-/// and on containers nested deeper than maxDepth().
+/// Besides invalid syntax, reading fails (ok = false, invalid result) on a
+/// backslash followed by anything but a double quote or one of `\` `/` `b` `f`
+/// `n` `r` `t`, or by `u` and four hexadecimal digits, and on arrays and
+/// objects nested deeper than maxDepth(). Writing fails on non-finite doubles,
+/// on values with no text form and on containers nested deeper than maxDepth().
 ///
-/// Writing uses a fixed layout: `[ 1, 2 ]`, `{ "a" : 1 }`, `[  ]` for an
-/// empty list; doubles as printf "%g" with ".0" added when neither '.' nor 'e'
-/// appears. Only `\` `"` `\b` `\f` `\n` `\r` `\t` are escaped in strings; other
-/// characters are written as they are.
+/// Writing uses a fixed layout: `[ 1, 2 ]`, `{ "a" : 1 }`, `[  ]` for an empty
+/// list; doubles as the printf conversion `g` writes them, with ".0" added when
+/// neither '.' nor 'e' appears. Only the backslash, the double quote and the
+/// controls `\b` `\f` `\n` `\r` `\t` are escaped in strings; other characters
+/// are written as they are.
 class BRINDLE_EXPORT UT_Json
 {
 public:

@@ -16,7 +16,7 @@
 ///
 /// Creation registers clean() to run at exit and installs handlers for SIGINT and
 /// SIGTERM (clean up, then chain to the earlier handler, or else exit with status
-/// 255; SIGTERM writes "Terminated\n" to standard error first) and for SIGILL,
+/// 255; SIGTERM writes `Terminated\n` to standard error first) and for SIGILL,
 /// SIGABRT and SIGSEGV (clean up, chain to the earlier handler, then let the
 /// signal take its default course). An earlier "ignore" disposition is chained
 /// to as doing nothing.

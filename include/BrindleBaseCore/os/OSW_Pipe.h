@@ -25,9 +25,10 @@ typedef int OSW_Handle;
 /// removed when the server end closes. A message can be at most as long as the
 /// system's socket send buffer (about 200 KiB by default).
 ///
-/// Failures print one of the documented lines to standard output ("Failed to
-/// ... with error:\n(code) 'text'\n"): the code is errno with its system text,
-/// or 258 for a read that timed out. End of stream (the writer closed) is such
+/// Failures print two lines to standard output: one of the documented
+/// `Failed to ... with error:` lines, then the code in parentheses and its
+/// system text in single quotes. The code is errno, or 258 for a read that
+/// timed out. End of stream (the writer closed) is such
 /// a failure: readData prints it and returns -1.
 ///
 /// Assignment is deliberately shallow: both objects then share one record (and
