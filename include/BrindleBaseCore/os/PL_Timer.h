@@ -11,7 +11,8 @@ struct PL_TimerRecord;
 /// PL_TimerManager::SetUIThread, either as soon as the expiry reaches it
 /// (direct) or from PL_TimerManager::Idle() (queued). A periodic queued timer
 /// whose delivery is late gets one notification for all the expiries in between.
-/// Destroying an active timer stops it.
+/// Destroying an active timer stops it. StartTimer() returns false when the
+/// delay is over 1,000,000 ms or the timer thread cannot take the timer.
 class BRINDLE_EXPORT PL_Timer
 {
 public:

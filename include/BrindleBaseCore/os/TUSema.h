@@ -13,7 +13,8 @@ class QWaitCondition;
 /// thread; a woken thread takes a unit only if one is still there when it runs
 /// (a thread calling acquire or tryAcquire in between may take it first), and
 /// otherwise queues again at the back. release(n) with more units than waiters
-/// wakes them all and keeps the surplus in the count.
+/// wakes them all and keeps the surplus in the count. Nothing fails, and a
+/// waiter has no time-out.
 class BRINDLE_EXPORT TUSema
 {
 public:
