@@ -24,6 +24,10 @@ public:
     explicit BAPP_SpecialFolders(QObject* parent = nullptr);
     ~BAPP_SpecialFolders() override;
 
+    /// @name Folders
+    /// Paths with '/' separators; empty when the folder could not be placed.
+    ///@{
+
     /// The installation's root folder.
     virtual QString root() const = 0;
     /// The configuration folder.
@@ -68,10 +72,14 @@ public:
     virtual QString help() const = 0;
     /// The third-party programs folder.
     virtual QString bin3rdParty() const = 0;
+    ///@}
 
     /// userConfig() + "/" + subPath (no second '/' when the folder ends with
     /// one); the bare folder when either is empty.
     virtual QString userConfigPath(QString const& subPath) const = 0;
+
+    /// @name Setters
+    ///@{
 
     /// Replaces lang().
     virtual void setLang(QString const& folder) = 0;
@@ -83,6 +91,7 @@ public:
     virtual void setUserScripts(QString const& folder) = 0;
     /// Replaces userLayouts().
     virtual void setUserLayouts(QString const& folder) = 0;
+    ///@}
 };
 
 /// The folders computed from a path. The layout looked for is

@@ -78,9 +78,12 @@ public:
     /// Appends `other` to both strings.
     MSG_Text& operator+=(QString const& other);
 
+    /// @name Place markers
     /// QString::arg applied to both strings (fill character: a blank).
-    /// arg(MSG_Text) puts the other's text into the text and its translation
-    /// into the translation.
+    ///@{
+
+    /// Puts the other's text into the text and its translation into the
+    /// translation.
     MSG_Text& arg(MSG_Text const& other);
     /// Replaces the lowest-numbered place marker (%1, %2, ...) with `a`.
     MSG_Text& arg(QString const& a, int fieldWidth = 0);
@@ -112,6 +115,7 @@ public:
     MSG_Text& arg(quint64 a, int fieldWidth = 0, int base = 10);
     /// The number in printf `format` with `precision`.
     MSG_Text& arg(double a, int fieldWidth = 0, char format = 'g', int precision = -1);
+    ///@}
 
 protected:
     /// The same string as text and translation.

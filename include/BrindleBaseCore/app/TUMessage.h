@@ -69,6 +69,9 @@ protected:
     virtual void debug(QString const& text, QString const& translated);
 
 public:
+    /// @name Settings
+    ///@{
+
     /// Switches debug mode and traces "Debug mode : ON" or "Debug mode : OFF".
     virtual void setDebugMode(bool on);
     /// Whether debug reports are written.
@@ -87,6 +90,7 @@ public:
     virtual void setTimeLogging(bool on);
     /// See setTimeLogging().
     virtual bool isTimeLogging() const;
+    ///@}
     /// Nested: true suspends, false resumes; the end of the outermost suspension
     /// calls interactiveReport('Z', {}, nullptr).
     virtual void suspendReport(bool suspend);

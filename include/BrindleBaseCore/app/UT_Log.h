@@ -70,6 +70,10 @@ public:
     /// replacing an existing copy.
     bool copyLog(QString const& folder, QString const& suffix);
 
+    /// @name Operation lines
+    /// Each writes one line and returns false when it was not written.
+    ///@{
+
     /// Writes an operation line for one path; false when not written.
     bool add(QString const& operation, QString const& path, bool ok);
     /// Writes an operation line for two paths.
@@ -86,6 +90,7 @@ public:
     bool add(eFileOperation operation, UT_String const& path, bool ok);
     /// As above, with UT_String paths.
     bool add(eFileOperation operation, UT_String const& path, UT_String const& path2, bool ok);
+    ///@}
 
     /// Blanks written before each line; never below 0.
     int indent() const;

@@ -45,6 +45,10 @@ public:
     /// Deletes all children (and their subtrees).
     void DeleteChildren();
 
+    /// @name Links
+    /// The neighbours of the node; null where there is none.
+    ///@{
+
     /// The parent, or null.
     UT_Node* GetParent() { return m_pParent; }
     /// The parent, or null.
@@ -61,6 +65,7 @@ public:
     UT_Node* GetPrevious() { return m_pPrevious; }
     /// The previous sibling, or null.
     UT_Node const* GetPrevious() const { return m_pPrevious; }
+    ///@}
 
     /// The i-th child, or null when there are fewer.
     UT_Node* GetChildAt(quint32 i) const;
