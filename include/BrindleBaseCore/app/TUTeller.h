@@ -18,9 +18,9 @@ class BRINDLE_EXPORT TUTeller
 public:
     /// A teller with no listener.
     TUTeller();
-    /// Shares `other`'s listeners (see the class).
+    /// Tells the same listeners as `other` (see the class).
     TUTeller(TUTeller const& other);
-    /// Takes `other`'s listeners (see the class).
+    /// Tells the same listeners as `other` from now on (see the class).
     TUTeller& operator=(TUTeller const& other);
     /// Calls tellerDestroyed(this) on every listener unless it is telling.
     virtual ~TUTeller();
