@@ -19,6 +19,7 @@ class QTranslator;
 class BRINDLE_EXPORT BAPP_LanguagePreferenceProvider
 {
 public:
+    /// Fills `languages` with the user's languages, most wanted first.
     virtual void languagesPreference(QList<QString>& languages) = 0;
     virtual ~BAPP_LanguagePreferenceProvider();
 };
@@ -38,6 +39,7 @@ class BRINDLE_EXPORT BAPP_Application : public BAPP_LanguagePreferenceProvider
 public:
     /// Only records the main thread, sets the plug-in path and the image limit.
     BAPP_Application();
+    /// Consumes the library's options from `arguments`, then starts up (see the class).
     explicit BAPP_Application(BAPP_Arguments& arguments);
 
     /// Replaces the list with the process's language preferences.
@@ -62,7 +64,9 @@ public:
     /// The Qt application object as a BAPP_Application, or null when there is
     /// none or it is not one.
     static BAPP_Application* instance();
+    /// Whether the calling thread is the recorded main thread.
     static bool isMainThread();
+    /// Records the calling thread as the main thread.
     static void setupMainThread();
 
     /// The user's languages, computed once: the default locale's name
@@ -86,12 +90,14 @@ public:
     /// Finds and loads base_LANG.qm (see findTranslator) and installs it.
     /// False when there is none or it cannot be loaded.
     bool addTranslator(QString const& baseName, QString const& directory = QString());
-    /// Adds "<library folder>/qt/plugins" to Qt's library paths.
+    /// Adds `<library folder>/qt/plugins` to Qt's library paths.
     void setupLibraries();
 
     /// The language chosen by "-lang" or changeLanguage(); null when none.
     QString const& language() const { return m_language; }
+    /// The translators installed through this object, oldest first.
     std::vector<QTranslator*> const& translators() const { return m_translators; }
+    /// Whether "-nologo" was given.
     bool noLogo() const { return m_noLogo; }
 
 protected:

@@ -15,23 +15,30 @@ class BRINDLE_EXPORT BAPP_Arguments
 {
 public:
     BAPP_Arguments() = default;
+    /// The given arguments.
     BAPP_Arguments(QList<QString> const& arguments)
         : m_list(arguments)
     {}
 
+    /// Number of arguments.
     qsizetype count() const { return m_list.size(); }
+    /// Number of arguments.
     qsizetype size() const { return m_list.size(); }
 
     /// A copy of the argument, or a null string when index is out of range.
     QString at(qsizetype index) const;
+    /// Same as at().
     QString operator[](qsizetype index) const { return at(index); }
 
     /// Removes one argument; an index out of range is ignored.
     void erase(qsizetype index);
 
+    /// An iterator on the first argument.
     BAPP_ArgumentIterator begin();
+    /// An iterator past the last argument.
     BAPP_ArgumentIterator end();
 
+    /// The arguments.
     QList<QString> const& list() const { return m_list; }
 
 private:
@@ -41,13 +48,19 @@ private:
 
 /// A position in a BAPP_Arguments list. Used to walk options and consume them:
 ///
-///   for (auto it = args.begin(); it.hasMoreArgument(1);) {
-///       if (*it == u"-size" && it.hasMoreArgument(2)) { size = it[1]; it.handled(2); }
-///       else ++it;
-///   }
+/// @code
+/// for (auto it = args.begin(); it.hasMoreArgument(1);) {
+///     if (*it == u"-size" && it.hasMoreArgument(2)) { size = it[1]; it.handled(2); }
+///     else ++it;
+/// }
+/// @endcode
+///
+/// Reading past the end gives a null string; the iterator is not checked
+/// against its list (an index outside it is simply past the end).
 class BRINDLE_EXPORT BAPP_ArgumentIterator
 {
 public:
+    /// Stands on argument `index` of `arguments`.
     BAPP_ArgumentIterator(BAPP_Arguments* arguments, qint64 index)
         : m_arguments(arguments)
         , m_index(index)
@@ -55,15 +68,18 @@ public:
 
     /// The argument at the iterator (a null string past the end).
     QString const& operator*() const;
+    /// Address of the argument at the iterator.
     QString const* operator->() const { return &**this; }
     /// The argument k places further on.
     QString operator[](qint64 k) const;
 
+    /// Moves to the next argument.
     BAPP_ArgumentIterator& operator++()
     {
         ++m_index;
         return *this;
     }
+    /// Moves to the previous argument.
     BAPP_ArgumentIterator& operator--()
     {
         --m_index;
@@ -79,13 +95,17 @@ public:
     /// that followed the removed ones.
     void handled(qint64 n);
 
+    /// The position in the list.
     qint64 index() const { return m_index; }
+    /// The list walked.
     BAPP_Arguments* arguments() const { return m_arguments; }
 
+    /// Same list and position.
     bool operator==(BAPP_ArgumentIterator const& other) const
     {
         return m_arguments == other.m_arguments && m_index == other.m_index;
     }
+    /// Different list or position.
     bool operator!=(BAPP_ArgumentIterator const& other) const { return !(*this == other); }
 
 private:

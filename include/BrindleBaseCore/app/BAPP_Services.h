@@ -41,15 +41,18 @@ public:
 /// Rewrites a path according to the site's remapping rules. The library's own
 /// rule returns the path unchanged.
 using BAPP_PathRemapper = QString (*)(QString const& path);
+/// `path` rewritten by the installed remapping.
 BRINDLE_EXPORT QString BAPP_RemapPath(QString const& path);
 /// Installs the remapping used by BAPP_RemapPath (null: the path unchanged).
 BRINDLE_EXPORT void BAPP_SetPathRemapper(BAPP_PathRemapper remapper);
 
+class BAPP_PluginManager;
 /// The plug-in manager belongs to a separate library; the application frame
 /// only hands it the installation's folders and the application's language
 /// preferences. Without a provider there is no plug-in manager (null).
-class BAPP_PluginManager;
 using BAPP_PluginManagerProvider = BAPP_PluginManager* (*)(BAPP_SpecialFolders* folders,
                                                            BAPP_LanguagePreferenceProvider* host);
+/// Installs the provider (null: no plug-in manager).
 BRINDLE_EXPORT void BAPP_SetPluginManagerProvider(BAPP_PluginManagerProvider provider);
+/// The installed provider, or null.
 BRINDLE_EXPORT BAPP_PluginManagerProvider BAPP_GetPluginManagerProvider();

@@ -12,57 +12,94 @@
 /// The installation's folders. Every read gives a path with '/' separators, or
 /// an empty string when the folder could not be placed. A folder that does not
 /// exist never makes the computation fail: it falls back to the nearest folder
-/// that does (see BAPP_SpecialFoldersImpl).
+/// that does (see BAPP_SpecialFoldersImpl). The folder names are those of the
+/// family's installations on every platform ("win64", "win32"), intended: the
+/// layout of an installation is the same everywhere.
 class BRINDLE_EXPORT BAPP_SpecialFolders : public QObject
 {
     Q_OBJECT
 
 public:
+    /// An object with no folders of its own.
     explicit BAPP_SpecialFolders(QObject* parent = nullptr);
     ~BAPP_SpecialFolders() override;
 
+    /// @name Folders
+    /// Paths with '/' separators; empty when the folder could not be placed.
+    ///@{
+
+    /// The installation's root folder.
     virtual QString root() const = 0;
+    /// The configuration folder.
     virtual QString config() const = 0;
+    /// The resources folder.
     virtual QString resource() const = 0;
+    /// The "etc" folder.
     virtual QString etc() const = 0;
+    /// The translations folder.
     virtual QString lang() const = 0;
+    /// The platform folder ("win64").
     virtual QString platform() const = 0;
+    /// The folder of the application's programs.
     virtual QString app() const = 0;
+    /// The programs folder.
     virtual QString bin() const = 0;
+    /// The 32-bit programs folder.
     virtual QString bin32() const = 0;
+    /// The shared-library folder.
     virtual QString library() const = 0;
+    /// The folder of old-style plug-ins.
     virtual QString legacyPlugins() const = 0;
+    /// The plug-ins folder.
     virtual QString plugins() const = 0;
+    /// The temporary folder.
     virtual QString temp() const = 0;
+    /// The user's configuration folder.
     virtual QString userConfig() const = 0;
+    /// The HTML help folder.
     virtual QString htmlHelp() const = 0;
+    /// The user's scripts folder.
     virtual QString userScripts() const = 0;
+    /// The user's layouts folder.
     virtual QString userLayouts() const = 0;
+    /// The database folder.
     virtual QString database() const = 0;
     /// The user's library of templates: the documents folder plus
-    /// "Brindle <flavour> Library" (the flavour from the identity service).
+    /// "Brindle FLAVOUR Library" (the flavour from the identity service).
     virtual QString templateLibrary() const = 0;
 
-    /// The help folder beside htmlHelp, and the third-party programs folder.
+    /// The help folder beside htmlHelp().
     virtual QString help() const = 0;
+    /// The third-party programs folder.
     virtual QString bin3rdParty() const = 0;
+    ///@}
 
     /// userConfig() + "/" + subPath (no second '/' when the folder ends with
     /// one); the bare folder when either is empty.
     virtual QString userConfigPath(QString const& subPath) const = 0;
 
+    /// @name Setters
+    ///@{
+
+    /// Replaces lang().
     virtual void setLang(QString const& folder) = 0;
+    /// Replaces userConfig().
     virtual void setUserConfig(QString const& folder) = 0;
     /// Stores the path after remapping it (BAPP_RemapPath).
     virtual void setDatabase(QString const& folder) = 0;
+    /// Replaces userScripts().
     virtual void setUserScripts(QString const& folder) = 0;
+    /// Replaces userLayouts().
     virtual void setUserLayouts(QString const& folder) = 0;
+    ///@}
 };
 
 /// The folders computed from a path. The layout looked for is
 ///
-///   ROOT/win64/bin/<program>    (or .../bin/bin_3rdParty/<program>)
-///   ROOT/win64/lib, ROOT/win32/bin, ROOT/{etc,resources,lang,help,plugins}
+/// @verbatim
+/// ROOT/win64/bin/<program>    (or .../bin/bin_3rdParty/<program>)
+/// ROOT/win64/lib, ROOT/win32/bin, ROOT/{etc,resources,lang,help,plugins}
+/// @endverbatim
 ///
 /// Each folder is entered only when it exists, so a missing one leaves the
 /// folder it would have been entered from (a missing ROOT/lang gives ROOT).
@@ -102,6 +139,7 @@ public:
     /// process environment so that child processes see it too. A path without
     /// any '/' computes nothing at all.
     BAPP_SpecialFoldersImpl(QString const& path, bool pathIsExecutable);
+    /// Destructor.
     ~BAPP_SpecialFoldersImpl() override;
 
     QString root() const override { return m_folders[Root]; }

@@ -12,7 +12,7 @@ class MSG_Text;
 class PL_FileSpec;
 class QTextStream;
 
-/// TULex: the tokenizer of the suite's text formats.
+/// The tokenizer of the family's text formats.
 ///
 /// A lexer reads an 8-bit text (ending at its first NUL byte) one token at a
 /// time: the current token is always available and get() replaces it with the
@@ -35,12 +35,16 @@ public:
     /// use it decide what each value means.
     enum CompatWithVersion : int
     {
-        CompatCurrent = 0
+        CompatCurrent = 0 ///< The current formats.
     };
 
-    TULex();                                // an empty text: eof() at once
-    explicit TULex(QByteArray const& text); // read in place; must outlive the lexer
-    explicit TULex(char const* text);       // read in place; null reads as ""
+    /// An empty text: eof() at once.
+    TULex();
+    /// Reads `text` in place; it must outlive the lexer.
+    explicit TULex(QByteArray const& text);
+    /// Reads `text` in place; null reads as "".
+    explicit TULex(char const* text);
+    /// Frees a file read by openFile().
     ~TULex();
 
     TULex(TULex const&) = delete;
@@ -49,23 +53,34 @@ public:
     /// Reads a whole file and its first token, line 1. False (lexer unchanged)
     /// when the file cannot be opened for reading.
     bool openFile(PL_FileSpec const& file);
+    /// As openFile(PL_FileSpec const&), by path.
     bool openFile(QString const& path);
 
     /// Advances to the next token. With raw true a token runs up to the next
     /// blank, tab or line feed (or comma in the comma-driven dialect) instead of
     /// stopping at the first character that cannot be part of a name.
     void get(bool raw = false);
+    /// Whether the text is exhausted (empty token).
     bool eof() const { return m_token.empty(); }
 
+    /// Whether the token equals `text`.
     bool operator==(char const* text) const;
+    /// Whether the token equals `text` (as Latin-1).
     bool operator==(QString const& text) const;
+    /// Whether the token equals `text`.
     bool operator==(std::string const& text) const { return m_token == text; }
+    /// Negation of operator==.
     bool operator!=(char const* text) const { return !(*this == text); }
+    /// Negation of operator==.
     bool operator!=(QString const& text) const { return !(*this == text); }
+    /// Negation of operator==.
     bool operator!=(std::string const& text) const { return m_token != text; }
 
-    operator QString() const; // the token read as Latin-1
-    QString fromUtf8() const; // the token read as UTF-8
+    /// The token read as Latin-1.
+    operator QString() const;
+    /// The token read as UTF-8.
+    QString fromUtf8() const;
+    /// The token's bytes.
     std::string const& asString() const { return m_token; }
 
     /// Numeric value of the token, converted once per token. A token is an int
@@ -73,16 +88,22 @@ public:
     /// bits saturate), and a double when a floating-point conversion does; an
     /// int token is a double too. 0 when the token is not a number.
     operator int() const;
+    /// The token as a double (0 when not a number).
     operator double() const;
+    /// Whether the token is an int.
     bool isInt() const;
+    /// Whether the token is a double (ints included).
     bool isDouble() const;
 
     /// Typed reads: on success store the value and advance; get_int/get_double
     /// report "Expecting number." and store 0 on failure. get_bool takes a lone
     /// Y/y or N/n and reports nothing on failure.
     bool get_int(int& value);
+    /// As get_int, for an unsigned value.
     bool get_uint(unsigned& value);
+    /// Reads a double (see above).
     bool get_double(double& value);
+    /// Reads Y/y or N/n (see above).
     bool get_bool(bool& value);
     /// Takes only a capital "Y" or "N" (stricter than get_bool on purpose).
     bool parseBool(bool& value);
@@ -98,10 +119,11 @@ public:
     /// The line on which the current token starts.
     unsigned getTokenLineNo() const { return m_tokenStartLine; }
 
-    /// Reports "Syntax error at line N:\n <message> (<token>)" with error code 3
+    /// Reports `Syntax error at line N:\n MESSAGE (TOKEN)` with error code 3
     /// as a warning and sets isError(). After a successful typed read the line and
     /// the token are those of the value just consumed.
     void syntaxErr(MSG_Text const& message);
+    /// Whether a syntax error was reported.
     bool isError() const { return m_errorSeen; }
 
     /// Switches the comma-driven dialect on; the argument is ignored on purpose.
@@ -111,11 +133,17 @@ public:
     /// clears the flag stops all further reports of this lexer.
     void enableYesToAll() { m_yesToAll = true; }
 
+    /// The format version of the text read (default 2501).
     unsigned versionNumber() const { return m_versionNumber; }
+    /// The build number of the text read (default 24106).
     unsigned buildNumber() const { return m_buildNumber; }
+    /// Sets versionNumber().
     void setVersionNumber(unsigned version) { m_versionNumber = version; }
+    /// Sets buildNumber().
     void setBuildNumber(unsigned build) { m_buildNumber = build; }
+    /// 2501.
     static unsigned defaultVersionNumber() { return 2501; }
+    /// 24106.
     static unsigned defaultBuildNumber() { return 24106; }
     /// Stores value when set is true; returns the stored setting.
     static CompatWithVersion compatWithVersion(bool set, CompatWithVersion value);
@@ -128,8 +156,11 @@ public:
     /// form leaves the encoding to the stream. A NUL character cannot be
     /// represented in the text and is left out.
     static void writeName(std::ostream& out, QString const& name);
+    /// As above, through a QTextStream.
     static void writeName(QTextStream& out, QString const& name);
+    /// As writeName(), in UTF-8.
     static void writeNameUtf8(std::ostream& out, QString const& name);
+    /// Always a quoted string, in UTF-8.
     static void writeString(std::ostream& out, QString const& text);
 
 private:

@@ -9,13 +9,15 @@
 
 #include <memory>
 
-/// One log file, "<folder>/<yyyyMMdd-hhmmss>_<computer>_<user>.log", UTF-8 with
+/// One log file, `<folder>/<yyyyMMdd-hhmmss>_<computer>_<user>.log`, UTF-8 with
 /// a byte-order mark. Each line starts with the indent (blanks) and the local
 /// time "yyyy-MM-dd hh:mm:ss"; fields are separated by ';':
 ///
-///   <time>;ACTION;<text>
-///   <time>;<operation>;<path>;<path2>;SUCCESS        (or ;===> FAIL <===)
-///   <time>;<file operation>;<path>;<path2> OK         (or  ===> FAIL <==== )
+/// @verbatim
+/// <time>;ACTION;<text>
+/// <time>;<operation>;<path>;<path2>;SUCCESS        (or ;===> FAIL <===)
+/// <time>;<file operation>;<path>;<path2> OK         (or  ===> FAIL <==== )
+/// @endverbatim
 ///
 /// The two operation forms differ on purpose (no separator before the status,
 /// other markers, five '=' after FAIL): readers of existing logs rely on both.
@@ -30,18 +32,20 @@ public:
     /// as "Unknown".
     enum class eFileOperation
     {
-        Create = 0,
-        Update = 1,
-        Copy = 2,
-        Move = 3,
-        Rename = 4,
-        Delete = 5,
-        Swap = 6,
-        Symlink = 7,
-        HardLink = 8
+        Create = 0,  ///< "Create".
+        Update = 1,  ///< "Update".
+        Copy = 2,    ///< "Copy".
+        Move = 3,    ///< "Move".
+        Rename = 4,  ///< "Rename".
+        Delete = 5,  ///< "Delete".
+        Swap = 6,    ///< "Swap".
+        Symlink = 7, ///< "Symlink".
+        HardLink = 8 ///< "HardLink".
     };
 
+    /// A log with no file (create() starts one).
     UT_Log();
+    /// Closes the file.
     ~UT_Log();
     UT_Log(UT_Log const&) = delete;
     UT_Log& operator=(UT_Log const&) = delete;
@@ -55,26 +59,42 @@ public:
     /// Reopens the same file for appending; false when it is already open or
     /// there is no file yet.
     bool reopen();
+    /// Whether the file is open.
     bool isOpen() const;
     /// The current (or last) file's path; empty before create().
     QString fileName() const;
 
+    /// Writes an ACTION line; false when not written.
     bool logAction(QString const& text);
-    /// Copies the file to <folder>/<file's base name><suffix>.log (remapped),
+    /// Copies the file to `<folder>/<file's base name><suffix>.log` (remapped),
     /// replacing an existing copy.
     bool copyLog(QString const& folder, QString const& suffix);
 
+    /// @name Operation lines
+    /// Each writes one line and returns false when it was not written.
+    ///@{
+
+    /// Writes an operation line for one path; false when not written.
     bool add(QString const& operation, QString const& path, bool ok);
+    /// Writes an operation line for two paths.
     bool add(QString const& operation, QString const& path, QString const& path2, bool ok);
+    /// As above, with UT_String paths.
     bool add(QString const& operation, UT_String const& path, bool ok);
+    /// As above, with UT_String paths.
     bool add(QString const& operation, UT_String const& path, UT_String const& path2, bool ok);
+    /// Writes a file-operation line for one path; false when not written.
     bool add(eFileOperation operation, QString const& path, bool ok);
+    /// Writes a file-operation line for two paths.
     bool add(eFileOperation operation, QString const& path, QString const& path2, bool ok);
+    /// As above, with UT_String paths.
     bool add(eFileOperation operation, UT_String const& path, bool ok);
+    /// As above, with UT_String paths.
     bool add(eFileOperation operation, UT_String const& path, UT_String const& path2, bool ok);
+    ///@}
 
     /// Blanks written before each line; never below 0.
     int indent() const;
+    /// Sets indent() (a negative value gives 0).
     void setIndent(int indent);
 
     /// The text written for a file operation ("Copy", ..., "Unknown").
@@ -85,51 +105,65 @@ private:
     std::unique_ptr<Private> d;
 };
 
-// The process's action log: free functions around one shared UT_Log, made by
-// create() and destroyed by close(). Each returns false (or does nothing) when
-// the shared log does not exist. Every action logged here is also handed to
-// the crash tracker (UT_Tracking::trackAction), so that a crash report carries
-// the last actions, even while the log is paused.
+/// The process's action log: free functions around one shared UT_Log, made by
+/// create() and destroyed by close(). Each returns false (or does nothing) when
+/// the shared log does not exist. Every action logged here is also handed to
+/// the crash tracker (UT_Tracking::trackAction), so that a crash report carries
+/// the last actions, even while the log is paused.
 namespace UT_LogIO {
 
+/// Creates the shared log and its file (see UT_Log::create()).
 BRINDLE_EXPORT bool create(QString const& folder);
 /// Closes the file and destroys the shared log; a later create() starts a new file.
 BRINDLE_EXPORT bool close();
+/// Whether the shared log's file is open.
 BRINDLE_EXPORT bool isOpen();
 /// Closes the file but keeps the log (its name and indent) for resume().
 BRINDLE_EXPORT bool pause();
+/// Reopens the paused file (see UT_Log::reopen()).
 BRINDLE_EXPORT bool resume();
 /// Hands the text to the crash tracker, then writes it; true when written.
 BRINDLE_EXPORT bool logAction(QString const& text);
+/// UT_Log::copyLog() on the shared log.
 BRINDLE_EXPORT bool copyLog(QString const& folder, QString const& suffix);
-/// "<yyyyMMdd-hhmmss>_<computer>_<user>" (+ ".log"), as create() names files.
+/// `<yyyyMMdd-hhmmss>_<computer>_<user>` (+ ".log"), as create() names files.
 BRINDLE_EXPORT QString buildLogFileName(bool withExtension);
 /// "message (file,line)" with the source file's name after its last '/' (or,
-/// without one, its last '\').
+/// without one, its last backslash).
 BRINDLE_EXPORT QString createMsg(char const* message, char const* sourceFile, int line);
 /// The shared log, or null.
 BRINDLE_EXPORT UT_Log* sharedLog();
 
+/// UT_Log::add() on the shared log.
 BRINDLE_EXPORT bool add(QString const& operation, QString const& path, bool ok);
+/// UT_Log::add() on the shared log.
 BRINDLE_EXPORT bool add(QString const& operation, QString const& path, QString const& path2,
                         bool ok);
+/// UT_Log::add() on the shared log.
 BRINDLE_EXPORT bool add(QString const& operation, UT_String const& path, bool ok);
+/// UT_Log::add() on the shared log.
 BRINDLE_EXPORT bool add(QString const& operation, UT_String const& path, UT_String const& path2,
                         bool ok);
+/// UT_Log::add() on the shared log.
 BRINDLE_EXPORT bool add(UT_Log::eFileOperation operation, QString const& path, bool ok);
+/// UT_Log::add() on the shared log.
 BRINDLE_EXPORT bool add(UT_Log::eFileOperation operation, QString const& path, QString const& path2,
                         bool ok);
+/// UT_Log::add() on the shared log.
 BRINDLE_EXPORT bool add(UT_Log::eFileOperation operation, UT_String const& path, bool ok);
+/// UT_Log::add() on the shared log.
 BRINDLE_EXPORT bool add(UT_Log::eFileOperation operation, UT_String const& path,
                         UT_String const& path2, bool ok);
 
-/// Brackets a stretch of work: "Start <name>" when made and "End <name>" when
+/// Brackets a stretch of work: "Start NAME" when made and "End NAME" when
 /// destroyed, both at the same indentation, with the lines between them two
 /// blanks further in. Does nothing when there is no shared log.
 class BRINDLE_EXPORT Scope
 {
 public:
+    /// Writes "Start NAME" and indents by two.
     explicit Scope(QString const& name);
+    /// Unindents and writes "End NAME".
     ~Scope();
     Scope(Scope const&) = delete;
     Scope& operator=(Scope const&) = delete;

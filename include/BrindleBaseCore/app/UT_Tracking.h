@@ -37,20 +37,24 @@ public:
         /// is accepted for the faulting context and not needed on this platform.
         explicit StackTrace(int maxFrames = 128, int skipFrames = 0, void* firstAddress = nullptr,
                             void* context = nullptr);
+        /// Copies the addresses.
         StackTrace(StackTrace const& other);
+        /// Copies the addresses.
         StackTrace& operator=(StackTrace const& other);
+        /// Frees the addresses.
         ~StackTrace();
 
+        /// Number of frames captured.
         quint32 count() const { return m_count; }
         /// The address of a frame; frame < count().
         quint64 address(quint32 frame) const { return m_addresses[frame]; }
 
-        /// One line per frame: "NNN 0x<address> module!symbol + 0x<offset>"
+        /// One line per frame: `NNN 0x<address> module!symbol + 0x<offset>`
         /// followed, with withSourceLines and when debug information is
-        /// available, by " [file:line]". "Empty stack trace\n" for an empty
-        /// trace, "Can't allocate stack trace\n" when the capture had no memory.
+        /// available, by ` [file:line]`. `Empty stack trace\n` for an empty
+        /// trace, `Can't allocate stack trace\n` when the capture had no memory.
         std::string getText(bool withSourceLines = true) const;
-        /// One line per frame: "NNN module + 0x<offset from the module's base>".
+        /// One line per frame: `NNN module + 0x<offset from the module's base>`.
         std::string getRelativeOffsets() const;
 
     private:
@@ -66,14 +70,21 @@ public:
     class BRINDLE_EXPORT Exception : public std::exception
     {
     public:
+        /// Records the place and the message and captures the stack.
         Exception(char const* filePath, char const* functionName, int lineNumber,
                   std::string message);
+        /// Destructor.
         ~Exception() override;
 
+        /// The message.
         char const* what() const noexcept override;
+        /// Source file of the throw.
         std::string const& filePath() const { return m_filePath; }
+        /// Function of the throw.
         std::string const& functionName() const { return m_functionName; }
+        /// Line of the throw.
         int lineNumber() const { return m_lineNumber; }
+        /// The stack where it was thrown.
         StackTrace const& getStackTrace() const { return m_stackTrace; }
 
         /// Reports to the tracker (not fatal) that the exception was caught at
@@ -88,7 +99,9 @@ public:
         StackTrace m_stackTrace;
     };
 
+    /// A tracker; setInstance() installs it.
     UT_Tracking();
+    /// Destructor.
     virtual ~UT_Tracking();
 
     /// The installed tracker; installs a UT_NoTracking (without arming the crash
@@ -104,14 +117,19 @@ public:
     /// Reports a fatal signal: the first one through TrackSignal(); any later
     /// one writes "Multiple signal N Start/End" and disarms the handlers.
     static void SignalHandler(int sig);
-    /// Reports "App terminated by <name>" with the caller's stack (fatal).
+    /// Reports `App terminated by <name>` with the caller's stack (fatal).
     static void TrackSignal(std::string const& name);
 
-    /// Breadcrumbs for the crash reports; the base does nothing and returns 0.
+    /// A user action, as a breadcrumb for the crash reports. The breadcrumb
+    /// operations of the base do nothing (and return 0).
     virtual int trackAction(QString const& action);
+    /// A free-form breadcrumb.
     virtual int trackBreadcrumb(std::string const& breadcrumb);
+    /// A screen or view was closed.
     virtual int trackScreenViewClose(QString const& screen);
+    /// The user pressed a mouse button.
     virtual void trackMouseDown();
+    /// The application is about to close.
     virtual void aboutToClose();
     /// The crash report: message (8-bit), the stack and whether the process is
     /// about to end.
@@ -121,8 +139,9 @@ public:
     void trackExceptions(QString const& message, StackTrace const& trace, bool fatal);
 
     /// Shortened processor and graphics card names for reports
-    /// ("Intel(R) Core(TM) i7-8700 CPU @ 3.20GHz" -> "Intel(R) Core i7-8700").
+    /// ("Intel(R) Core(TM) i7-8700 CPU @ 3.20GHz" gives "Intel(R) Core i7-8700").
     static QString normalizeCPUName(QString const& name);
+    /// As normalizeCPUName(), for graphics cards.
     static QString normalizeGraphicCardName(QString const& name);
 
 private:
@@ -137,11 +156,13 @@ private:
 class BRINDLE_EXPORT UT_NoTracking : public UT_Tracking
 {
 public:
+    /// Does nothing.
     void trackCrash(std::string const& message, StackTrace const& trace, bool fatal) override;
 };
 
+/// The assertion reporter.
 namespace Assertion {
-/// Writes "file(line):\tASSERT: "expression" \nmessage\n" (LEGACY_ASSERT when
+/// Writes `file(line):\tASSERT: "expression" \nmessage\n` (LEGACY_ASSERT when
 /// legacy; the last line feed only with a message) to standard output and to
 /// standard error, then, unless legacy, stops in the debugger when one is
 /// attached. A legacy assertion only reports.

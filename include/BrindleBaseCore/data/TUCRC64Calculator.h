@@ -15,14 +15,19 @@
 /// The object holds the byte lookup table (high halves, then low halves); build
 /// one calculator and reuse it. compute() gives exactly the result of the plain
 /// table loop, but runs a carry-less multiplication kernel when the processor
-/// has one, and a multi-table loop otherwise.
+/// has one, and a multi-table loop otherwise. Nothing fails; a calculator is
+/// read-only after construction, so one may be shared between threads.
 class BRINDLE_EXPORT TUCRC64Calculator
 {
 public:
     TUCRC64Calculator();
+    /// Copies the table.
     TUCRC64Calculator(TUCRC64Calculator const&) = default;
+    /// Moves (copies) the table.
     TUCRC64Calculator(TUCRC64Calculator&&) = default;
+    /// Copies the table.
     TUCRC64Calculator& operator=(TUCRC64Calculator const&) = default;
+    /// Moves (copies) the table.
     TUCRC64Calculator& operator=(TUCRC64Calculator&&) = default;
 
     /// CRC of the bytes: first the high 32 bits, second the low 32 bits.

@@ -21,35 +21,55 @@ class BRINDLE_EXPORT UT_Node
 {
 public:
     UT_Node() = default;
+    /// Shallow copy of the links (see the class).
     UT_Node(UT_Node const&) = default;
+    /// Shallow copy of the links (see the class).
     UT_Node& operator=(UT_Node const&) = default;
     virtual ~UT_Node();
 
     /// Hooks for the application's layer nodes; null here.
     virtual GR_LayerNode* toLayerNode();
+    /// Const form of toLayerNode().
     virtual GR_LayerNode const* toLayerNode() const;
 
     /// The node given to the four linking operations must be unlinked.
     void AppendChild(UT_Node* node);
+    /// Inserts `node` as the first child.
     void PreAppendChild(UT_Node* node);
+    /// Inserts `node` as the next sibling.
     void AddAfter(UT_Node* node);
     /// This node must have a parent (its first-child link is updated unchecked).
     void AddBefore(UT_Node* node);
     /// Unlinks this node from its parent and siblings; its children stay.
     void DetachFromGraph();
+    /// Deletes all children (and their subtrees).
     void DeleteChildren();
 
+    /// @name Links
+    /// The neighbours of the node; null where there is none.
+    ///@{
+
+    /// The parent, or null.
     UT_Node* GetParent() { return m_pParent; }
+    /// The parent, or null.
     UT_Node const* GetParent() const { return m_pParent; }
+    /// The first child, or null.
     UT_Node* GetChild() { return m_pChild; }
+    /// The first child, or null.
     UT_Node const* GetChild() const { return m_pChild; }
+    /// The next sibling, or null.
     UT_Node* GetNext() { return m_pNext; }
+    /// The next sibling, or null.
     UT_Node const* GetNext() const { return m_pNext; }
+    /// The previous sibling, or null.
     UT_Node* GetPrevious() { return m_pPrevious; }
+    /// The previous sibling, or null.
     UT_Node const* GetPrevious() const { return m_pPrevious; }
+    ///@}
 
     /// The i-th child, or null when there are fewer.
     UT_Node* GetChildAt(quint32 i) const;
+    /// Number of children (not descendants).
     quint32 CountImmediateChildren() const;
     /// The last sibling following next links (this node when it is the last).
     UT_Node* GetLastNext() const;
@@ -84,10 +104,15 @@ class BRINDLE_EXPORT UT_NodePosition
 {
 public:
     UT_NodePosition() = default;
+    /// The position of the node (see Set()).
     explicit UT_NodePosition(UT_Node const* node);
+    /// Copy.
     UT_NodePosition(UT_NodePosition const&) = default;
+    /// Move; `other` is left empty.
     UT_NodePosition(UT_NodePosition&& other) noexcept;
+    /// Copy.
     UT_NodePosition& operator=(UT_NodePosition const&) = default;
+    /// Move; `other` is left empty.
     UT_NodePosition& operator=(UT_NodePosition&& other) noexcept;
 
     /// The position of the node; empty for null.
@@ -96,25 +121,35 @@ public:
     /// its sibling list yields null there, and the next level starts again
     /// from `top` (intended). Null for an empty position.
     UT_Node* GetNode(UT_Node* top) const;
+    /// Const form of GetNode().
     UT_Node const* GetNode(UT_Node const* top) const;
 
+    /// Adds one level below.
     void Append(quint32 index) { m_indexes.push_back(index); }
+    /// Adds the levels of `other` below.
     void Append(UT_NodePosition const& other);
+    /// Empties the position.
     void Clear() { m_indexes.clear(); }
+    /// Number of levels.
     quint32 Size() const { return quint32(m_indexes.size()); }
+    /// True when not empty.
     bool IsValid() const { return !m_indexes.empty(); }
 
     /// The i-th index; i at or past Size() is a fatal error.
     quint32& operator()(quint32 i);
+    /// Const form.
     quint32 const& operator()(quint32 i) const;
 
     /// Length of the common leading run of equal indexes.
     quint32 EqualityLevel(UT_NodePosition const& other) const;
 
+    /// Same indexes.
     bool operator==(UT_NodePosition const& other) const { return m_indexes == other.m_indexes; }
+    /// Different indexes.
     bool operator!=(UT_NodePosition const& other) const { return !(*this == other); }
     /// Lexicographic; a proper prefix is less than the longer position.
     bool operator<(UT_NodePosition const& other) const;
+    /// Reverse of operator<.
     bool operator>(UT_NodePosition const& other) const { return other < *this; }
 
 private:

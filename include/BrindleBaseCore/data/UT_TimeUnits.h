@@ -17,10 +17,11 @@
 class BRINDLE_EXPORT UT_TimeUnits
 {
 public:
+    /// The numbering systems; other values are accepted and give plain labels.
     enum eTimeUnits : qint32
     {
-        Frames = 1,
-        FramesBy16 = 2
+        Frames = 1,    ///< Frames 1, 2, 3...
+        FramesBy16 = 2 ///< Groups of 16 frames, "group:frame".
     };
 
     virtual ~UT_TimeUnits();
@@ -29,15 +30,22 @@ public:
     /// until the process ends.
     static UT_TimeUnits* GetInstance();
 
+    /// Sets the system (any value is kept).
     void SetNumberingSystem(eTimeUnits system) { m_numberingSystem = system; }
+    /// The current system.
     eTimeUnits GetNumberingSystem() const { return m_numberingSystem; }
 
+    /// The label of the frame, in `out`.
     void GetFrameLabel(int frame, UT_String& out) const;
+    /// True when the cell shows its label.
     bool ShouldLabelCell(int frame) const;
     /// 0 or 1.
     int GetCellColorIndex(int frame) const;
+    /// Number of band colours: 2 in systems 1 and 2, else 1.
     int GetNbColors() const;
+    /// Frames per colour band: 8 in system 2, else 10.
     int GetColorDelta() const;
+    /// Frames between labelled cells: 16 in system 2, else 10.
     int GetLabelDelta() const;
 
 private:

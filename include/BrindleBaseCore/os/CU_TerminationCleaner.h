@@ -9,20 +9,21 @@
 #include <QtCore/QSharedPointer>
 #include <QtCore/QString>
 
-/// One process-wide instance, created by the first setup(), deleteAtExit() or
-/// createSharedMemory() and never destroyed. Its creation is not locked: make the
-/// first call on one thread (normally at start-up); registration may then come
-/// from any thread.
+/// Clean-up of the process's leftovers at any end. One process-wide instance, created by the first
+/// setup(), deleteAtExit() or createSharedMemory() and never destroyed. Its creation is not locked:
+/// make the first call on one thread (normally at start-up); registration may then come from any
+/// thread.
 ///
 /// Creation registers clean() to run at exit and installs handlers for SIGINT and
 /// SIGTERM (clean up, then chain to the earlier handler, or else exit with status
-/// 255; SIGTERM writes "Terminated\n" to standard error first) and for SIGILL,
+/// 255; SIGTERM writes `Terminated\n` to standard error first) and for SIGILL,
 /// SIGABRT and SIGSEGV (clean up, chain to the earlier handler, then let the
 /// signal take its default course). An earlier "ignore" disposition is chained
 /// to as doing nothing.
 class BRINDLE_EXPORT CU_TerminationCleaner
 {
 public:
+    /// The instance, created and installed on the first call.
     static CU_TerminationCleaner* setup();
 
     /// Registers QFileInfo(path).absoluteFilePath() for deletion.
@@ -34,6 +35,7 @@ public:
     /// key and creates or attaches it.
     static QSharedPointer<QSharedMemory> createSharedMemory();
 
+    /// cleanFiles(), then cleanSharedMemory().
     static void clean();
     /// Deletes every registered file ("Error deleting %s" warning for a failure)
     /// and empties the list.
@@ -52,8 +54,11 @@ protected:
     CU_TerminationCleaner();
     ~CU_TerminationCleaner();
 
+    /// The exit hook: clean().
     static void handleExit();
+    /// Signal handler: clean up, chain, then return to the default course.
     static void handleSignal(int sig);
+    /// Signal handler: clean up, chain, or else exit with status 255.
     static void handleSignalAndExit(int sig);
 
 private:

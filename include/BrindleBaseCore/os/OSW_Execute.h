@@ -20,15 +20,23 @@ typedef int OSW_Handle;
 class BRINDLE_EXPORT OSW_ExecuteException : public std::exception
 {
 public:
+    /// Records the four fields.
     OSW_ExecuteException(int code, MSG_Text const& message, bool isSignal, bool isStopped);
+    /// Copy.
     OSW_ExecuteException(OSW_ExecuteException const& other);
+    /// Copy.
     OSW_ExecuteException& operator=(OSW_ExecuteException const& other);
     ~OSW_ExecuteException() override;
 
+    /// The code (0 for an empty word list).
     int errorCode() const { return m_code; }
+    /// The message.
     MSG_Text const& errorMessage() const { return m_message; }
+    /// Whether the child ended by a signal (set by callers only).
     bool isSignal() const { return m_isSignal; }
+    /// Whether the child was stopped (set by callers only).
     bool isStopped() const { return m_isStopped; }
+    /// The message.
     operator MSG_Text() const { return m_message; }
 
 private:
@@ -76,18 +84,24 @@ public:
     OSW_Execute();
     ~OSW_Execute();
     OSW_Execute(OSW_Execute const&) = delete;
+    /// Shares `other`'s record (shallow, see the class).
     OSW_Execute& operator=(OSW_Execute const& other);
 
+    /// Translation of a message of this class (same as tr()).
     static QString trUtf8(char const* source, char const* disambiguation = nullptr, int n = -1)
     {
         return tr(source, disambiguation, n);
     }
 
+    /// Whether the next execm returns at once instead of waiting.
     void setDetached(bool detached);
+    /// See setDetached(); false at start.
     bool detached() const;
     /// Read by the next execm.
     void enableStdioPipes(bool enable);
+    /// Folder of the next child; empty: the caller's own.
     void setWorkingDirectory(QString const& folder);
+    /// See setWorkingDirectory().
     QString workingDirectory() const;
     /// Kept in an ordered set for the object's lifetime; the launch does not
     /// consult it (children inherit only descriptors 0, 1 and 2).
@@ -95,8 +109,11 @@ public:
 
     /// Throws OSW_ExecuteException when words is empty.
     int execm(QStringList const& words);
+    /// execm() with these words.
     int execm(QString const& a, QString const& b);
+    /// execm() with these words.
     int execm(QString const& a, QString const& b, QString const& c);
+    /// execm() with these words.
     int execm(QString const& a, QString const& b, QString const& c, QString const& d);
 
     /// Waits (blocking, no polling) for the last child and returns its status;
@@ -108,18 +125,22 @@ public:
     /// Kills the last child (SIGKILL) unless its status has been read already;
     /// waitForProcEnd then returns 0 for it.
     void kill();
+    /// The process id of the last child, 0 when none was started.
     quint32 pid() const;
 
     /// Without pipes these report "Stdio communication has not been enabled for
     /// process" (debug) and return 0.
     /// Reads until the child closes the stream; returns the array's total size.
     quint64 readFromStdout(QByteArray& output);
+    /// As readFromStdout(), on standard error.
     quint64 readFromStderr(QByteArray& output);
     /// One read of at most size bytes; the count read, 0 on failure or end.
     quint64 readFromStdout(quint64 size, char* buffer);
+    /// As readFromStdout(), on standard error.
     quint64 readFromStderr(quint64 size, char* buffer);
     /// Writes in chunks of at most 2,048 bytes; returns the count written.
     quint64 writeToStdin(QByteArray const& data);
+    /// As writeToStdin(QByteArray const&), on raw bytes.
     quint64 writeToStdin(quint64 size, char const* data);
     /// Closes this side of the child's standard input, so that the child reads
     /// end of file.

@@ -25,9 +25,10 @@ typedef int OSW_Handle;
 /// removed when the server end closes. A message can be at most as long as the
 /// system's socket send buffer (about 200 KiB by default).
 ///
-/// Failures print one of the documented lines to standard output ("Failed to
-/// ... with error:\n(code) 'text'\n"): the code is errno with its system text,
-/// or 258 for a read that timed out. End of stream (the writer closed) is such
+/// Failures print two lines to standard output: one of the documented
+/// `Failed to ... with error:` lines, then the code in parentheses and its
+/// system text in single quotes. The code is errno, or 258 for a read that
+/// timed out. End of stream (the writer closed) is such
 /// a failure: readData prints it and returns -1.
 ///
 /// Assignment is deliberately shallow: both objects then share one record (and
@@ -38,15 +39,17 @@ typedef int OSW_Handle;
 class BRINDLE_EXPORT OSW_Pipe
 {
 public:
+    /// The side of a named pipe an end works on.
     enum Mode_t
     {
-        Read = 0,
-        Write = 1
+        Read = 0, ///< The read side.
+        Write = 1 ///< The write side.
     };
 
     OSW_Pipe();
     ~OSW_Pipe();
     OSW_Pipe(OSW_Pipe const&) = delete;
+    /// Shares `other`'s record (shallow, see the class).
     OSW_Pipe& operator=(OSW_Pipe const& other);
 
     /// Adopts the handles (either pointer may be null); the pipe owns and closes
@@ -74,15 +77,23 @@ public:
     /// Writes the buffer as one message. True on success.
     bool writeData(void const* buffer, quint64 size);
 
+    /// The read handle in `*handle`; false when there is no read side.
     bool getReadHandle(OSW_Handle* handle) const;
+    /// The write handle in `*handle`; false when there is no write side.
     bool getWriteHandle(OSW_Handle* handle) const;
 
+    /// Whether either side is open.
     bool isOpened() const;
+    /// Whether the read side is open.
     bool isOpenedForReading() const;
+    /// Whether the write side is open.
     bool isOpenedForWriting() const;
 
+    /// Closes the read side.
     void closeRead();
+    /// Closes the write side.
     void closeWrite();
+    /// Closes both sides.
     void close();
 
     /// The folder that holds the pipe names of this user.

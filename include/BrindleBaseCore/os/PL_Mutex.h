@@ -50,6 +50,7 @@ namespace PL_MutexDetail {
 class SpinRwWord : public tbb::spin_rw_mutex
 {
 public:
+    /// Whether a writer holds the word.
     bool writerHolds() const { return (m_state.load(std::memory_order_relaxed) & WRITER) != 0; }
 };
 } // namespace PL_MutexDetail
@@ -69,6 +70,7 @@ public:
     {
     public:
         ScopeLock() = default;
+        /// Acquires `mutex` for writing or reading.
         ScopeLock(PL_SpinRwMutex& mutex, bool write) { acquire(mutex, write); }
         ~ScopeLock()
         {
@@ -78,11 +80,13 @@ public:
         ScopeLock(ScopeLock const&) = delete;
         ScopeLock& operator=(ScopeLock const&) = delete;
 
+        /// Acquires `mutex`; the guard must hold nothing.
         void acquire(PL_SpinRwMutex& mutex, bool write)
         {
             mutex.acquire(write);
             m_mutex = &mutex;
         }
+        /// Releases the held mutex; the guard must hold one.
         void release()
         {
             m_mutex->release();
@@ -123,16 +127,22 @@ public:
     PL_QueuingRwMutex(PL_QueuingRwMutex const&) = delete;
     PL_QueuingRwMutex& operator=(PL_QueuingRwMutex const&) = delete;
 
+    /// Holds the mutex for reading or writing while it lives; a reader can be
+    /// upgraded to a writer.
     class BRINDLE_EXPORT ScopeLock
     {
     public:
         ScopeLock() = default;
+        /// Acquires `mutex` for writing or reading.
         ScopeLock(PL_QueuingRwMutex& mutex, bool write);
-        ~ScopeLock(); // a failure to release ends the process
+        /// Releases the held mutex; a failure to release ends the process.
+        ~ScopeLock();
         ScopeLock(ScopeLock const&) = delete;
         ScopeLock& operator=(ScopeLock const&) = delete;
 
+        /// Acquires `mutex`; the guard must hold nothing.
         void acquire(PL_QueuingRwMutex& mutex, bool write);
+        /// Releases the held mutex.
         void release();
         /// True when the reader became a writer without giving the lock up; false
         /// when it was released and re-acquired in between, so whatever was read
@@ -178,6 +188,7 @@ template <>
 class PL_MutexScopeLock<PL_SpinMutex>
 {
 public:
+    /// Acquires `mutex`.
     explicit PL_MutexScopeLock(PL_SpinMutex& mutex)
         : m_mutex(&mutex)
     {
@@ -191,6 +202,7 @@ public:
     PL_MutexScopeLock(PL_MutexScopeLock const&) = delete;
     PL_MutexScopeLock& operator=(PL_MutexScopeLock const&) = delete;
 
+    /// Releases the mutex early; the guard must hold it.
     void release()
     {
         m_mutex->release();
@@ -210,6 +222,7 @@ class PL_MutexScopeLock<PL_RecursiveMutex>
 {
 public:
     PL_MutexScopeLock() = default;
+    /// Acquires `mutex`.
     explicit PL_MutexScopeLock(PL_RecursiveMutex& mutex) { acquire(mutex); }
     ~PL_MutexScopeLock()
     {
@@ -219,16 +232,20 @@ public:
     PL_MutexScopeLock(PL_MutexScopeLock const&) = delete;
     PL_MutexScopeLock& operator=(PL_MutexScopeLock const&) = delete;
 
+    /// Acquires `mutex` (again, when this thread holds it).
     void acquire(PL_RecursiveMutex& mutex)
     {
         mutex.acquire();
         m_mutex = &mutex;
     }
+    /// Acquires `mutex` if free or held by this thread; false when busy (see
+    /// the class: the guard counts as holding either way).
     bool try_acquire(PL_RecursiveMutex& mutex)
     {
         m_mutex = &mutex;
         return mutex.try_acquire();
     }
+    /// Releases the mutex once; the guard must hold it.
     void release()
     {
         m_mutex->release();

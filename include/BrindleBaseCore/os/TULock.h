@@ -38,20 +38,30 @@ public:
     TULockOwner(TULockOwner const& other);
     TULockOwner& operator=(TULockOwner const&) = delete;
 
+    /// Takes the lock `key`.
     LockResult_t getLock(QString const& key) { return doGetLock(key); }
+    /// Gives back the lock `key`.
     bool releaseLock(QString const& key) { return doReleaseLock(key); }
+    /// Gives back the lock `key`, whoever holds it.
     bool forceReleaseLock(QString const& key) { return doForceReleaseLock(key); }
+    /// The state of the lock `key`, unchanged.
     LockResult_t testLock(QString const& key) { return doTestLock(key); }
 
+    /// Registers a ticket.
     void add(TULockTicketBase* ticket);
+    /// Unregisters a ticket (nothing when unknown).
     void remove(TULockTicketBase* ticket);
 
 protected:
     virtual ~TULockOwner();
 
+    /// Implements getLock().
     virtual LockResult_t doGetLock(QString const& key) = 0;
+    /// Implements releaseLock().
     virtual bool doReleaseLock(QString const& key) = 0;
+    /// Implements forceReleaseLock().
     virtual bool doForceReleaseLock(QString const& key) = 0;
+    /// Implements testLock().
     virtual LockResult_t doTestLock(QString const& key) = 0;
 
 private:
@@ -65,12 +75,17 @@ private:
 class BRINDLE_EXPORT TULockTicket : public TULockTicketBase
 {
 public:
+    /// Registers with `owner` (null: none); takes no lock itself.
     TULockTicket(QString key, TULockOwner* owner);
+    /// Same key and owner, not registered.
     TULockTicket(TULockTicket const& other);
+    /// Takes key and owner; registrations are left as they are.
     TULockTicket& operator=(TULockTicket const& other);
     ~TULockTicket() override;
 
+    /// The key (empty once given back).
     QString const& key() const { return m_key; }
+    /// The owner, or null once released or orphaned.
     TULockOwner* owner() const { return m_owner; }
     void releaseOwner() override;
 
