@@ -54,8 +54,13 @@ InverseResult noVectorInverse(double const*, double*)
 
 #if defined(__x86_64__)
 
+// Everything up to the matching pop is compiled for AVX2 (chosen at run time).
+#if defined(__clang__)
+#pragma clang attribute push(__attribute__((target("avx2"))), apply_to = function)
+#else
 #pragma GCC push_options
 #pragma GCC target("avx2")
+#endif
 
 // The product with whole columns in 256-bit registers.
 void productAvx(double const* a, double const* b, double* r)
@@ -206,7 +211,11 @@ InverseResult invertAvx2(double const* m, double* out)
     return InverseResult::Inverted;
 }
 
+#if defined(__clang__)
+#pragma clang attribute pop
+#else
 #pragma GCC pop_options
+#endif
 
 bool hasAvx2()
 {
