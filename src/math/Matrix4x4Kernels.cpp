@@ -1,9 +1,12 @@
 #include "Matrix4x4Kernels.h"
 
+#include "KernelTarget.h"
+
 #include <BrindleBaseCore/math/Matrix4x4.h>
 
 #include <atomic>
-#include <cfloat>
+#include <cstdlib>
+#include <cstring>
 
 #if defined(__SSE2__)
 #include <immintrin.h>
@@ -52,15 +55,16 @@ InverseResult noVectorInverse(double const*, double*)
     return InverseResult::Unsure;
 }
 
+enum class Level
+{
+    Portable,
+    Avx2,
+    Avx512
+};
+
 #if defined(__x86_64__)
 
-// Everything up to the matching pop is compiled for AVX2 (chosen at run time).
-#if defined(__clang__)
-#pragma clang attribute push(__attribute__((target("avx2"))), apply_to = function)
-#else
-#pragma GCC push_options
-#pragma GCC target("avx2")
-#endif
+BRINDLE_TARGET_BEGIN("avx2")
 
 // The product with whole columns in 256-bit registers.
 void productAvx(double const* a, double const* b, double* r)
@@ -76,154 +80,29 @@ void productAvx(double const* a, double const* b, double* r)
     }
 }
 
-inline __m256d absolute(__m256d v)
-{
-    return _mm256_andnot_pd(_mm256_set1_pd(-0.0), v);
-}
+BRINDLE_TARGET_END
 
-// Every lane becomes the bitwise OR of the four: with one lane selected and
-// the others zeroed, the selected value exactly (signed zeros included).
-inline __m256d orAcross(__m256d v)
-{
-    v = _mm256_or_pd(v, _mm256_permute_pd(v, 0x5));
-    return _mm256_or_pd(v, _mm256_permute2f128_pd(v, v, 1));
-}
-
-// The state of the decomposition: the columns with one row per lane. Rows
-// stay in their lanes; logical row J is the lane picked as pivot at step J.
-struct Lu
-{
-    __m256d column[4];
-    __m256d scale;
-    __m256d open;     // the lanes not yet picked
-    __m256d pivot[4]; // one lane set: the row picked at each step
-    // Row J of U spread across all lanes, kept from step J for the back
-    // substitution: upper[J][J] is the pivot.
-    __m256d upper[4][4];
-    __m256d failed;
-    bool unsure = false;
-};
-
-// Step J of the right-looking elimination. Every element sees the products
-// subtracted in the order of Crout's loops. Among equal merits Crout's loop
-// takes the last row in its exchanged order; that order is not tracked here,
-// so a tie leaves the matrix to the portable code.
-template <int J>
-inline void eliminate(Lu& s)
-{
-    __m256d column = s.column[J];
-    // The quotients of all candidates start before the pivot is known.
-    __m256d quotients = _mm256_div_pd(_mm256_set1_pd(1.0), column);
-    __m256d pick = s.open;
-    if constexpr (J < 3) {
-        __m256d merit = _mm256_mul_pd(s.scale, absolute(column));
-        if constexpr (J > 0)
-            merit = _mm256_blendv_pd(_mm256_set1_pd(-1.0), merit, s.open);
-        __m256d best = _mm256_max_pd(merit, _mm256_permute_pd(merit, 0x5));
-        best = _mm256_max_pd(best, _mm256_permute2f128_pd(best, best, 1));
-        pick = _mm256_cmp_pd(merit, best, _CMP_EQ_OQ);
-        s.unsure |= __builtin_popcount(unsigned(_mm256_movemask_pd(pick))) != 1;
-    }
-    s.pivot[J] = pick;
-    __m256d pivot = orAcross(_mm256_and_pd(column, pick));
-    s.upper[J][J] = pivot;
-    s.failed = _mm256_or_pd(
-        s.failed, _mm256_cmp_pd(absolute(pivot), _mm256_set1_pd(DBL_EPSILON), _CMP_LT_OQ));
-    if constexpr (J < 3) {
-        s.open = _mm256_andnot_pd(pick, s.open);
-        __m256d inverse = orAcross(_mm256_and_pd(quotients, pick));
-        __m256d multipliers = _mm256_mul_pd(column, inverse);
-        s.column[J] = _mm256_blendv_pd(column, multipliers, s.open);
-        for (int k = J + 1; k < 4; ++k) {
-            __m256d u = orAcross(_mm256_and_pd(s.column[k], pick));
-            s.upper[J][k] = u;
-            __m256d updated = _mm256_sub_pd(s.column[k], _mm256_mul_pd(multipliers, u));
-            s.column[k] = _mm256_blendv_pd(s.column[k], updated, s.open);
-        }
-    }
-}
-
-// Solves for the four unit vectors side by side: row i of x holds entry i of
-// the four solutions. The terms the one-column solve skips before its first
-// non-zero entry subtract an exact +0 here, which changes nothing.
-void solveIdentity(Lu const& s, double* out)
-{
-    alignas(32) double lu[4][4]; // lu[c][lane]
-    for (int c = 0; c < 4; ++c)
-        _mm256_store_pd(lu[c], s.column[c]);
-    int row[4];
-    __m256d x[4];
-    __m256d one = _mm256_set1_pd(1.0);
-    for (int i = 0; i < 4; ++i) {
-        row[i] = __builtin_ctz(unsigned(_mm256_movemask_pd(s.pivot[i])));
-        // Entry i of the permuted identity's columns.
-        x[i] = _mm256_and_pd(s.pivot[i], one);
-    }
-    auto subtract = [&](int i, int k, __m256d factor) {
-        x[i] = _mm256_sub_pd(x[i], _mm256_mul_pd(factor, x[k]));
-    };
-    for (int i = 1; i < 4; ++i) {
-        for (int k = 0; k < i; ++k)
-            subtract(i, k, _mm256_broadcast_sd(&lu[k][row[i]]));
-    }
-    for (int i = 3; i >= 0; --i) {
-        for (int k = i + 1; k < 4; ++k)
-            subtract(i, k, s.upper[i][k]);
-        x[i] = _mm256_div_pd(x[i], s.upper[i][i]);
-    }
-    // Rows of x to columns of the result.
-    __m256d t0 = _mm256_unpacklo_pd(x[0], x[1]), t1 = _mm256_unpackhi_pd(x[0], x[1]);
-    __m256d t2 = _mm256_unpacklo_pd(x[2], x[3]), t3 = _mm256_unpackhi_pd(x[2], x[3]);
-    _mm256_storeu_pd(out, _mm256_permute2f128_pd(t0, t2, 0x20));
-    _mm256_storeu_pd(out + 4, _mm256_permute2f128_pd(t1, t3, 0x20));
-    _mm256_storeu_pd(out + 8, _mm256_permute2f128_pd(t0, t2, 0x31));
-    _mm256_storeu_pd(out + 12, _mm256_permute2f128_pd(t1, t3, 0x31));
-}
-
-InverseResult invertAvx2(double const* m, double* out)
-{
-    Lu s;
-    for (int c = 0; c < 4; ++c)
-        s.column[c] = _mm256_loadu_pd(m + 4 * c);
-    __m256d big = _mm256_max_pd(_mm256_max_pd(absolute(s.column[0]), absolute(s.column[1])),
-                                _mm256_max_pd(absolute(s.column[2]), absolute(s.column[3])));
-    s.scale = _mm256_div_pd(_mm256_set1_pd(1.0), big);
-    s.open = _mm256_castsi256_pd(_mm256_set1_epi64x(-1));
-    s.failed = _mm256_setzero_pd();
-    eliminate<0>(s);
-    eliminate<1>(s);
-    eliminate<2>(s);
-    eliminate<3>(s);
-
-    // A tie, a zero row (infinite scale) or any value that is not finite
-    // leaves the case to the portable code. Otherwise no NaN met the pivot
-    // search, and a value that is not finite never becomes finite again, so
-    // these are the portable decomposition's numbers.
-    __m256d zero = _mm256_setzero_pd();
-    __m256d probe = _mm256_mul_pd(s.scale, zero);
-    for (__m256d c : s.column)
-        probe = _mm256_add_pd(probe, _mm256_mul_pd(c, zero));
-    if (s.unsure || _mm256_movemask_pd(_mm256_cmp_pd(probe, probe, _CMP_UNORD_Q)) != 0)
-        return InverseResult::Unsure;
-    if (_mm256_movemask_pd(s.failed) != 0)
-        return InverseResult::Singular;
-    solveIdentity(s, out);
-    return InverseResult::Inverted;
-}
-
-#if defined(__clang__)
-#pragma clang attribute pop
-#else
-#pragma GCC pop_options
 #endif
 
-bool hasAvx2()
+// The best level of the processor, capped by BRINDLE_MATH_KERNEL.
+Level level()
 {
+    Level best = Level::Portable;
+#if defined(__x86_64__)
     __builtin_cpu_init();
-    return __builtin_cpu_supports("avx2");
-}
-
+    if (__builtin_cpu_supports("avx2"))
+        best = Level::Avx2;
+    if (best == Level::Avx2 && __builtin_cpu_supports("avx512f") &&
+        __builtin_cpu_supports("avx512vl") && __builtin_cpu_supports("avx512dq"))
+        best = Level::Avx512;
 #endif
+    char const* cap = std::getenv("BRINDLE_MATH_KERNEL");
+    if (cap && std::strcmp(cap, "portable") == 0)
+        return Level::Portable;
+    if (cap && std::strcmp(cap, "avx2") == 0 && best == Level::Avx512)
+        return Level::Avx2;
+    return best;
+}
 
 // Each entry point jumps through a pointer that starts at a function which
 // asks the processor, stores its choice and runs it. Threads that race there
@@ -237,7 +116,7 @@ void chooseProduct(double const* a, double const* b, double* r)
 {
     ProductFunction* chosen = productPortable;
 #if defined(__x86_64__)
-    if (hasAvx2())
+    if (level() != Level::Portable)
         chosen = productAvx;
 #endif
     productChoice.store(chosen, std::memory_order_relaxed);
@@ -248,8 +127,16 @@ InverseResult chooseInverse(double const* m, double* out)
 {
     InverseFunction* chosen = noVectorInverse;
 #if defined(__x86_64__)
-    if (hasAvx2())
+    switch (level()) {
+    case Level::Avx512:
+        chosen = invertAvx512;
+        break;
+    case Level::Avx2:
         chosen = invertAvx2;
+        break;
+    case Level::Portable:
+        break;
+    }
 #endif
     inverseChoice.store(chosen, std::memory_order_relaxed);
     return chosen(m, out);

@@ -2,6 +2,9 @@
 // give the same bits as the portable code: the same operations in the same
 // order for every element, no fused multiply-add, no reciprocal in place of a
 // division.
+//
+// The environment variable BRINDLE_MATH_KERNEL caps the level picked:
+// "portable", "avx2" or "avx512" (the default is the best the processor has).
 #pragma once
 
 namespace Math::Internal {
@@ -15,8 +18,13 @@ enum class InverseResult
 
 // The inverse of the column-major matrix m into out by the LU decomposition
 // of Matrix4x4::getInverse(). Unsure when the processor lacks the vector
-// instructions or a value that is not finite turns up along the way: the
-// portable code then decides, since its pivot rules for NaNs differ.
+// instructions, a value that is not finite turns up, or rows of (nearly)
+// equal merit compete for a pivot: the portable code then decides, by its own
+// pivot rules. out is written in every case.
 InverseResult invertFast(double const* m, double* out);
+
+// The levels behind invertFast(), for processors that have them.
+InverseResult invertAvx2(double const* m, double* out);
+InverseResult invertAvx512(double const* m, double* out);
 
 } // namespace Math::Internal
