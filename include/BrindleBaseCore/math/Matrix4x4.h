@@ -14,6 +14,7 @@
 #include <BrindleBaseCore/math/Point2d.h>
 #include <BrindleBaseCore/math/Point3d.h>
 
+#include <cstring>
 #include <exception>
 #include <type_traits>
 
@@ -148,10 +149,11 @@ public:
     void multiply(Matrix4x4 const& b) { *this *= b; }
     Matrix4x4 operator*(Matrix4x4 const& b) const
     {
-        /// One named result on every path, so that it is built in place.
-        Matrix4x4 r(NoInit{});
+        // One named result on every path, so that it is built in place; with
+        // a flagged identity it is a copy of the other operand's values.
+        Matrix4x4 r(NoInit{}, _identity & b._identity);
         if (_identity | b._identity) [[unlikely]]
-            r = b._identity ? *this : b;
+            std::memcpy(r._m, b._identity ? _m : b._m, sizeof r._m);
         else
             product(_m, b._m, r._m);
         return r;
@@ -296,8 +298,8 @@ public:
 private:
     struct NoInit
     {};
-    explicit Matrix4x4(NoInit)
-        : _identity(false)
+    explicit Matrix4x4(NoInit, bool identity = false)
+        : _identity(identity)
     {}
     void set(int i, double v)
     {
