@@ -107,7 +107,7 @@ inline void eliminateLast(Decomposition<Lanes>& s)
 }
 
 template <class Lanes>
-InverseResult invert(double const* m, double* out)
+[[gnu::always_inline]] inline InverseResult invert(double const* m, double* out)
 {
     Decomposition<Lanes> s;
     for (int k = 0; k < 4; ++k)
