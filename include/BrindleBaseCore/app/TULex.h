@@ -86,9 +86,10 @@ public:
     /// Numeric value of the token, converted once per token. A token is an int
     /// when a base-10 integer conversion consumes all of it (values beyond 32
     /// bits saturate), and a double when a floating-point conversion does; an
-    /// int token is a double too. 0 when the token is not a number.
+    /// int token is a double too. For a token that is not a number the value
+    /// is what the C conversion reads from its start ("12a" gives 12, "a" 0).
     operator int() const;
-    /// The token as a double (0 when not a number).
+    /// The token as a double (for other tokens as operator int() says).
     operator double() const;
     /// Whether the token is an int.
     bool isInt() const;
