@@ -282,14 +282,18 @@ TEST_F(Channel, OkToUseFileFollowsModificationAges)
 
 // --- standard error and process end --------------------------------------------------
 
+// What WRITE writes to standard error.
+template <typename Write>
+QString stderrOf(Write write)
+{
+    testing::internal::CaptureStderr();
+    write();
+    return QString::fromStdString(testing::internal::GetCapturedStderr());
+}
+
 TEST(BaseChannel, WritesTheSourceTextOnlyAsUtf8)
 {
     TUMessage::setInstance(new TUMessage(QStringLiteral("base"), false, true));
-    auto stderrOf = [](auto&& write) {
-        testing::internal::CaptureStderr();
-        write();
-        return QString::fromStdString(testing::internal::GetCapturedStderr());
-    };
     QString const err = stderrOf([] {
         MSG_Scope("caf\xe9", QStringLiteral("translated"), MSG_Scope::Information);
         TUMessage::instance().setTimeLogging(true);
@@ -306,11 +310,11 @@ TEST(BaseChannel, WritesTheSourceTextOnlyAsUtf8)
 }
 
 // Ends the process with status 0 when stderr got exactly what was expected.
-void expectStderr(std::string const& expected, std::string const& actual)
+void expectStderr(std::string const& expected, QString const& actual)
 {
-    if (expected == actual)
+    if (expected == actual.toStdString())
         return;
-    std::fprintf(stderr, "expected:\n%s\nactual:\n%s\n", expected.c_str(), actual.c_str());
+    std::fprintf(stderr, "expected:\n%s\nactual:\n%s\n", expected.c_str(), qPrintable(actual));
     std::exit(1);
 }
 
@@ -319,44 +323,34 @@ TEST(ChannelLifecycle, SingletonMisuseIsReportedLetterForLetter)
     // In a fresh process: the "destroyed" flag is never cleared.
     EXPECT_EXIT(
         {
-            testing::internal::CaptureStderr();
-            TUMessage::releaseInstance();
-            expectStderr("TUMessage::releaseInstance():  The TUMessage singleton does not exists\n",
-                         testing::internal::GetCapturedStderr());
-
-            TUMessage& first = TUMessage::instance();
-            if (FieldReader::name(first) != QStringLiteral("test_app_messages"))
+            std::string const missing =
+                "TUMessage::releaseInstance():  The TUMessage singleton does not exists\n";
+            std::string const second =
+                "TUMessage::createInstace: Request to allocate a second TUMessage singleton\n";
+            std::string const released = "TUMessage::releaseInstance():  The TUMessage singleton "
+                                         "has already been released once\n";
+            expectStderr(missing, stderrOf([] { TUMessage::releaseInstance(); }));
+            if (FieldReader::name(TUMessage::instance()) != QStringLiteral("test_app_messages"))
                 std::exit(2);
-            char const* second = "TUMessage::createInstace: Request to allocate a second "
-                                 "TUMessage singleton\n";
-            testing::internal::CaptureStderr();
-            TUMessage::createInstance(QStringLiteral("next"), false, false);
-            expectStderr(std::string(second) + "<TUMessage>" + second + second,
-                         testing::internal::GetCapturedStderr());
+            expectStderr(second + "<TUMessage>" + second + second, stderrOf([] {
+                             TUMessage::createInstance(QStringLiteral("next"), false, false);
+                         }));
             if (FieldReader::name(TUMessage::instance()) != QStringLiteral("next"))
                 std::exit(3);
-
-            testing::internal::CaptureStderr();
-            TUMessage::createInstance(QStringLiteral("phoenix"), false, false);
-            expectStderr(std::string("TUMessage::createInstance: The TUMessage singleton has "
-                                     "already been destroyed.\nWill recreate (Phoenix) the "
-                                     "singleton once more!!!\n") +
+            expectStderr("TUMessage::createInstance: The TUMessage singleton has already been "
+                         "destroyed.\nWill recreate (Phoenix) the singleton once more!!!\n" +
                              second + "<TUMessage>" + second + second,
-                         testing::internal::GetCapturedStderr());
-
-            testing::internal::CaptureStderr();
-            TUMessage::setInstance(new TUMessage(QStringLiteral("set"), false, true));
-            TUMessage::releaseInstance();
-            TUMessage::releaseInstance();
-            char const* released = "TUMessage::releaseInstance():  The TUMessage singleton has "
-                                   "already been released once\n";
-            expectStderr(std::string("TUMessage::setInstance: Request to set a second TUMessage "
-                                     "singleton\n") +
-                             released +
-                             "TUMessage::releaseInstance():  The TUMessage singleton does not "
-                             "exists\n" +
-                             released,
-                         testing::internal::GetCapturedStderr());
+                         stderrOf([] {
+                             TUMessage::createInstance(QStringLiteral("phoenix"), false, false);
+                         }));
+            expectStderr("TUMessage::setInstance: Request to set a second TUMessage singleton\n" +
+                             released + missing + released,
+                         stderrOf([] {
+                             TUMessage::setInstance(
+                                 new TUMessage(QStringLiteral("set"), false, true));
+                             TUMessage::releaseInstance();
+                             TUMessage::releaseInstance();
+                         }));
             std::exit(0);
         },
         testing::ExitedWithCode(0), "");
