@@ -3,7 +3,6 @@
 #include <BrindleBaseCore/app/BAPP_SpecialFolders.h>
 #include <BrindleBaseCore/app/MSG_Text.h>
 
-#include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QLocale>
 #include <QtCore/QTemporaryDir>

@@ -8,12 +8,10 @@
 #include <QtCore/QFile>
 #include <QtCore/QLocale>
 #include <QtCore/QTemporaryDir>
-#include <QtCore/QTranslator>
 
 #include <gtest/gtest.h>
 
 #include <clocale>
-#include <cstring>
 #include <thread>
 
 namespace {

@@ -8,7 +8,6 @@
 #include <gtest/gtest.h>
 
 #include <clocale>
-#include <cmath>
 #include <random>
 #include <sstream>
 #include <string>

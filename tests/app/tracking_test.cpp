@@ -6,7 +6,6 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <unistd.h>
 
 namespace {
@@ -23,16 +22,14 @@ public:
         if (destroyed)
             ++*destroyed;
     }
-    void trackCrash(std::string const& message, StackTrace const& trace, bool fatal) override
+    void trackCrash(std::string const& message, StackTrace const&, bool fatal) override
     {
         lastMessage = message;
-        lastFrames = trace.count();
         lastFatal = fatal;
     }
 
     int* destroyed;
     std::string lastMessage;
-    quint32 lastFrames = 0;
     bool lastFatal = false;
 };
 
