@@ -52,11 +52,7 @@ protected:
 class LexerReports : public ::testing::Test
 {
 protected:
-    void SetUp() override
-    {
-        channel = new RecordingChannel;
-        TUMessage::setInstance(channel);
-    }
+    void SetUp() override { TUMessage::setInstance(channel = new RecordingChannel); }
     void TearDown() override { TUMessage::releaseInstance(); }
     RecordingChannel* channel = nullptr;
 };
