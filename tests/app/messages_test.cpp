@@ -125,7 +125,8 @@ TEST(MsgText, ArgActsOnBothStringsIndependently)
     // Different placeholder sets: each string takes its own lowest one.
     EXPECT_EQ(describe(both("%1-%3", "%2").arg(QStringLiteral("x"))), "x-%3|x|0");
     EXPECT_EQ(describe(both("[%1]", "{%1}").arg(both("src", "tr"))), "[src]|{tr}|0");
-    MSG_Text many = both("%1%2%3%4", "%4%3%2%1");
+    MSG_Text many(QStringLiteral("%1%2%3%4"), QStringLiteral("%4%3%2%1"),
+                  MSG_Text::WithTranslatedText);
     many.arg(QStringLiteral("a"), QStringLiteral("%2"), QStringLiteral("c"), QStringLiteral("d"));
     EXPECT_EQ(describe(many), "a%2cd|dc%2a|0");
 }
