@@ -8,12 +8,10 @@
 #include <QtCore/QFile>
 #include <QtCore/QLocale>
 #include <QtCore/QTemporaryDir>
-#include <QtCore/QTranslator>
 
 #include <gtest/gtest.h>
 
 #include <clocale>
-#include <cstring>
 #include <thread>
 
 namespace {
@@ -26,14 +24,6 @@ struct CountingIdentity : BAPP_Identity
     static inline int banners = 0;
 };
 
-BAPP_Arguments arguments(std::initializer_list<char const*> list)
-{
-    QList<QString> result;
-    for (char const* word : list)
-        result.append(QString::fromUtf8(word));
-    return BAPP_Arguments(result);
-}
-
 QString translated(char const* context, char const* text)
 {
     return MSG_Text(context, text, MSG_Text::WithContext).getTranslatedText();
@@ -44,8 +34,7 @@ QString translated(char const* context, char const* text)
 TEST(Application, ConsumesTheLibraryOptionsOnly)
 {
     // "-langdir" without its value stays for the program to report.
-    EXPECT_EQ(g_remaining.list(),
-              QList<QString>({QStringLiteral("input.txt"), QStringLiteral("-langdir")}));
+    EXPECT_EQ(g_remaining.list(), QStringList({"input.txt", "-langdir"}));
     BAPP_Application* app = BAPP_Application::instance();
     ASSERT_NE(app, nullptr);
     EXPECT_EQ(app->language(), u"fr");
@@ -56,7 +45,7 @@ TEST(Application, InstallsTheFrenchTranslations)
 {
     BAPP_Application* app = BAPP_Application::instance();
     ASSERT_EQ(app->translators().size(), 1u); // no qt_fr.qm, no BrindleWhoAmI_fr.qm
-    EXPECT_EQ(BAPP_Application::languagesPreference(), QList<QString>({QStringLiteral("fr")}));
+    EXPECT_EQ(BAPP_Application::languagesPreference(), QStringList({"fr"}));
     EXPECT_EQ(QLocale().language(), QLocale::French);
     EXPECT_EQ(translated("TUMessage", "Debug mode : ON"),
               QStringLiteral(u"Mode de débogage : ACTIVÉ"));
@@ -81,15 +70,15 @@ TEST(Application, RecordsTheMainThreadAndTheNumericLocale)
 TEST(Application, BannerUnlessNoLogoAndOptionNamesAreCaseSensitive)
 {
     BAPP_Identity::setInstance(new CountingIdentity);
-    BAPP_Arguments args = arguments({"-LANG", "de", "x", "-lang"});
+    BAPP_Arguments args(QStringList({"-LANG", "de", "x", "-lang"}));
     {
         BAPP_Application part(args);
         EXPECT_TRUE(part.language().isNull());
     }
-    EXPECT_EQ(args.list(), arguments({"-LANG", "de", "x", "-lang"}).list());
+    EXPECT_EQ(args.list(), QStringList({"-LANG", "de", "x", "-lang"}));
     EXPECT_EQ(CountingIdentity::banners, 1);
 
-    BAPP_Arguments quiet = arguments({"-nologo"});
+    BAPP_Arguments quiet(QStringList({"-nologo"}));
     BAPP_Application part(quiet);
     EXPECT_EQ(CountingIdentity::banners, 1);
     EXPECT_EQ(quiet.size(), 0);
@@ -117,10 +106,10 @@ TEST(Application, ChangeLanguageKeepsEarlierTranslators)
     EXPECT_FALSE(BAPP_Application::isIdeographicLanguage());
     app->changeLanguage(QStringLiteral("ja"));
     EXPECT_TRUE(BAPP_Application::isIdeographicLanguage());
-    EXPECT_EQ(BAPP_Application::languagesPreference(), QList<QString>({QStringLiteral("ja")}));
-    QList<QString> viaInterface{QStringLiteral("stale")};
+    EXPECT_EQ(BAPP_Application::languagesPreference(), QStringList({"ja"}));
+    QStringList viaInterface{"stale"};
     app->languagesPreference(viaInterface);
-    EXPECT_EQ(viaInterface, QList<QString>({QStringLiteral("ja")}));
+    EXPECT_EQ(viaInterface, QStringList({"ja"}));
     EXPECT_EQ(app->language(), u"ja");
     // No Japanese catalogue: the French one is still installed and answers.
     EXPECT_EQ(translated("TULex", "Expecting number."), QStringLiteral(u"Nombre attendu."));

@@ -4,19 +4,9 @@
 
 #include <gtest/gtest.h>
 
-namespace {
-QList<QString> words(std::initializer_list<char const*> list)
-{
-    QList<QString> result;
-    for (char const* word : list)
-        result.append(QString::fromUtf8(word));
-    return result;
-}
-} // namespace
-
 TEST(Arguments, ReadingOutOfRangeGivesNullAndEraseIgnoresIt)
 {
-    BAPP_Arguments args(words({"a", "b"}));
+    BAPP_Arguments args(QStringList({"a", "b"}));
     EXPECT_EQ(args.at(1), u"b");
     EXPECT_TRUE(args[2].isNull());
     EXPECT_TRUE(args.at(-1).isNull());
@@ -24,7 +14,7 @@ TEST(Arguments, ReadingOutOfRangeGivesNullAndEraseIgnoresIt)
     args.erase(-1);
     EXPECT_EQ(args.size(), 2);
     args.erase(0);
-    EXPECT_EQ(args.list(), words({"b"}));
+    EXPECT_EQ(args.list(), QStringList({"b"}));
 }
 
 TEST(Arguments, ParseSkipsTheProgramAndDecodesUtf8)
@@ -34,13 +24,13 @@ TEST(Arguments, ParseSkipsTheProgramAndDecodesUtf8)
     char option[] = "-lang";
     char* argv[] = {program, word, option, nullptr};
     BAPP_Arguments args = BAPP_Application::parseArguments(3, argv);
-    EXPECT_EQ(args.list(), QList<QString>({QStringLiteral(u"café"), QStringLiteral("-lang")}));
+    EXPECT_EQ(args.list(), QStringList({QStringLiteral(u"café"), "-lang"}));
     EXPECT_EQ(BAPP_Application::parseArguments(1, argv).size(), 0);
 }
 
 TEST(ArgumentIterator, LooksAheadAndMovesByOne)
 {
-    BAPP_Arguments args(words({"-size", "10", "x"}));
+    BAPP_Arguments args(QStringList({"-size", "10", "x"}));
     BAPP_ArgumentIterator it = args.begin();
     EXPECT_EQ(*it, u"-size");
     EXPECT_EQ(it[1], u"10");
@@ -61,15 +51,15 @@ TEST(ArgumentIterator, LooksAheadAndMovesByOne)
 
 TEST(ArgumentIterator, HandledRemovesInPlaceAndStopsAtTheEnd)
 {
-    BAPP_Arguments args(words({"a", "-opt", "v", "b"}));
+    BAPP_Arguments args(QStringList({"a", "-opt", "v", "b"}));
     BAPP_ArgumentIterator it = args.begin();
     ++it;
     it.handled(2);
     EXPECT_EQ(it.index(), 1);
     EXPECT_EQ(*it, u"b");
-    EXPECT_EQ(args.list(), words({"a", "b"}));
+    EXPECT_EQ(args.list(), QStringList({"a", "b"}));
 
     it.handled(5);
-    EXPECT_EQ(args.list(), words({"a"}));
+    EXPECT_EQ(args.list(), QStringList({"a"}));
     EXPECT_TRUE(it == args.end());
 }

@@ -15,84 +15,77 @@ namespace {
 class SpecialFolders : public ::testing::Test
 {
 protected:
-    // Makes ROOT/<each path> and returns ROOT/<path>.
-    QString make(QStringList const& paths)
+    // Makes ROOT/<each path>.
+    void make(QStringList const& paths)
     {
         for (QString const& path : paths)
             EXPECT_TRUE(QDir().mkpath(root() + "/" + path));
-        return root();
     }
     QString root() const { return m_dir.path() + "/Install"; }
     QString program() const { return root() + "/win64/bin/prog"; }
+
+    // The installation's folders as "name=path relative to ROOT" ("." for ROOT, "" when unset).
+    std::string layout(BAPP_SpecialFolders const& f) const
+    {
+        std::pair<char const*, QString> const folders[] = {
+            {"root", f.root()},       {"platform", f.platform()},
+            {"bin", f.bin()},         {"app", f.app()},
+            {"bin32", f.bin32()},     {"bin3rd", f.bin3rdParty()},
+            {"library", f.library()}, {"legacy", f.legacyPlugins()},
+            {"plugins", f.plugins()}, {"config", f.config()},
+            {"etc", f.etc()},         {"resource", f.resource()},
+            {"lang", f.lang()},       {"htmlHelp", f.htmlHelp()},
+            {"help", f.help()}};
+        std::string out;
+        for (auto const& [name, path] : folders)
+            out += std::string(out.empty() ? "" : " ") + name + "=" +
+                   (path.isEmpty() ? "" : QDir(root()).relativeFilePath(path).toStdString());
+        return out;
+    }
 
     QTemporaryDir m_dir;
 };
 
 } // namespace
 
-TEST_F(SpecialFolders, FullInstallation)
+TEST_F(SpecialFolders, FullInstallationFromAProgramOrAFolderInIt)
 {
     make({"win64/bin/bin_3rdParty", "win64/lib", "win64/plugins", "win32/bin", "etc", "resources",
           "lang", "help", "Plugins"});
+    std::string const expected =
+        "root=. platform=win64 bin=win64/bin app=win64/bin bin32=win32/bin "
+        "bin3rd=win64/bin/bin_3rdParty library=win64/lib legacy=win64/plugins plugins=Plugins "
+        "config=etc etc=etc resource=resources lang=lang htmlHelp=help help=help";
     BAPP_SpecialFoldersImpl folders(program(), true);
-    QString const r = root();
-    EXPECT_EQ(folders.root(), r);
-    EXPECT_EQ(folders.platform(), r + "/win64");
-    EXPECT_EQ(folders.bin(), r + "/win64/bin");
-    EXPECT_EQ(folders.app(), r + "/win64/bin");
-    EXPECT_EQ(folders.bin32(), r + "/win32/bin");
-    EXPECT_EQ(folders.bin3rdParty(), r + "/win64/bin/bin_3rdParty");
-    EXPECT_EQ(folders.library(), r + "/win64/lib");
-    EXPECT_EQ(folders.legacyPlugins(), r + "/win64/plugins");
-    EXPECT_EQ(folders.plugins(), r + "/Plugins");
-    EXPECT_EQ(folders.config(), r + "/etc");
-    EXPECT_EQ(folders.etc(), r + "/etc");
-    EXPECT_EQ(folders.resource(), r + "/resources");
-    EXPECT_EQ(folders.lang(), r + "/lang");
-    EXPECT_EQ(folders.htmlHelp(), r + "/help");
-    EXPECT_EQ(folders.help(), r + "/help");
+    EXPECT_EQ(layout(folders), expected);
     EXPECT_TRUE(folders.userConfig().isEmpty());
-
-    // A program among the third-party ones belongs to the same installation.
-    BAPP_SpecialFoldersImpl thirdParty(r + "/win64/bin/bin_3rdParty/tool", true);
-    EXPECT_EQ(thirdParty.root(), r);
-    EXPECT_EQ(thirdParty.bin(), r + "/win64/bin");
-    // So does a folder inside it.
-    BAPP_SpecialFoldersImpl fromFolder(r + "/resources", false);
-    EXPECT_EQ(fromFolder.root(), r);
-    EXPECT_EQ(fromFolder.bin(), r + "/win64/bin");
-    EXPECT_EQ(fromFolder.bin32(), r + "/win32/bin");
+    // A program among the third-party ones, or a folder inside, is of the same installation.
+    EXPECT_EQ(layout(BAPP_SpecialFoldersImpl(root() + "/win64/bin/bin_3rdParty/tool", true)),
+              expected);
+    EXPECT_EQ(layout(BAPP_SpecialFoldersImpl(root() + "/resources", false)), expected);
 }
 
 TEST_F(SpecialFolders, MissingFoldersFallBackToTheNearestOne)
 {
     make({"win64/bin", "src/Plugins"});
-    BAPP_SpecialFoldersImpl folders(program(), true);
-    QString const r = root();
-    EXPECT_EQ(folders.lang(), r);
-    EXPECT_EQ(folders.config(), r);
-    EXPECT_EQ(folders.library(), r + "/win64");
-    EXPECT_EQ(folders.bin32(), r);
-    EXPECT_EQ(folders.legacyPlugins(), r);
-    EXPECT_EQ(folders.plugins(), r + "/src/Plugins");
-}
-
-TEST_F(SpecialFolders, PluginsOfAVellumRootAreBesideIt)
-{
-    QString const r = m_dir.path() + "/Vellum";
-    ASSERT_TRUE(QDir().mkpath(r + "/win64/bin"));
+    EXPECT_EQ(layout(BAPP_SpecialFoldersImpl(program(), true)),
+              "root=. platform=win64 bin=win64/bin app=win64/bin bin32=. bin3rd=win64/bin "
+              "library=win64 legacy=. plugins=src/Plugins config=. etc=. resource=. lang=. "
+              "htmlHelp=. help=.");
+    // The plug-ins of an installation called Vellum are beside it.
+    QString const vellum = m_dir.path() + "/Vellum";
+    ASSERT_TRUE(QDir().mkpath(vellum + "/win64/bin"));
     ASSERT_TRUE(QDir().mkpath(m_dir.path() + "/Plugins"));
-    BAPP_SpecialFoldersImpl folders(r + "/win64/bin/prog", true);
-    EXPECT_EQ(folders.plugins(), m_dir.path() + "/Plugins");
+    EXPECT_EQ(BAPP_SpecialFoldersImpl(vellum + "/win64/bin/prog", true).plugins(),
+              m_dir.path() + "/Plugins");
 }
 
 TEST_F(SpecialFolders, WithoutAnInstallationOnlyTheEnvironmentCounts)
 {
     make({"a/b"});
     BAPP_SpecialFoldersImpl folders(root() + "/a/b", false);
-    EXPECT_TRUE(folders.root().isEmpty());
-    EXPECT_TRUE(folders.lang().isEmpty());
-    EXPECT_TRUE(folders.bin().isEmpty());
+    EXPECT_EQ(layout(folders), "root= platform= bin= app= bin32= bin3rd= library= legacy= "
+                               "plugins= config= etc= resource= lang= htmlHelp= help=");
     EXPECT_FALSE(folders.temp().isEmpty());
 
     BAPP_SpecialFoldersImpl bare(QStringLiteral("prog"), true);

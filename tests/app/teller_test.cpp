@@ -44,10 +44,19 @@ public:
 
 using Plain = Recorder<TUListener>;
 using Auto = Recorder<TUListenerWithAutoDisconnect>;
+using Names = std::vector<std::string>;
+
+// Tells TELLER and returns what was heard during that tell.
+Names told(Announcer& teller, Names& journal)
+{
+    journal.clear();
+    teller.tell();
+    return journal;
+}
 
 TEST(Teller, TellsEachListenerOnceInAddressOrder)
 {
-    std::vector<std::string> journal;
+    Names journal;
     std::vector<Plain> listeners;
     listeners.reserve(3);
     for (char const* name : {"a", "b", "c"})
@@ -55,25 +64,20 @@ TEST(Teller, TellsEachListenerOnceInAddressOrder)
     Announcer teller;
     for (Plain* l : {&listeners[2], &listeners[0], &listeners[1], &listeners[0]})
         l->phone(&teller);
-    teller.tell();
-    EXPECT_EQ(journal, (std::vector<std::string>{"a", "b", "c"}));
+    EXPECT_EQ(told(teller, journal), (Names{"a", "b", "c"}));
 
     // The first listener hangs up the second while being told.
-    journal.clear();
     listeners[0].onHear = [&](TUTeller* t) { listeners[1].hangUp(t); };
-    teller.tell();
-    EXPECT_EQ(journal, (std::vector<std::string>{"a", "c"}));
-    listeners[1].hangUp(&teller);
-    journal.clear();
-    teller.tell();
-    EXPECT_EQ(journal, (std::vector<std::string>{"a", "c"}));
+    EXPECT_EQ(told(teller, journal), (Names{"a", "c"}));
+    listeners[1].hangUp(&teller); // no longer there
+    EXPECT_EQ(told(teller, journal), (Names{"a", "c"}));
     for (Plain& l : listeners)
         l.hangUp(&teller);
 }
 
 TEST(Teller, TellFromInsideANotificationIsDropped)
 {
-    std::vector<std::string> journal;
+    Names journal;
     Announcer teller;
     Plain listener("l", journal);
     int depth = 0;
@@ -82,16 +86,14 @@ TEST(Teller, TellFromInsideANotificationIsDropped)
             teller.tell();
     };
     listener.phone(&teller);
-    teller.tell();
-    EXPECT_EQ(journal, std::vector<std::string>{"l"});
-    teller.tell();
-    EXPECT_EQ(journal.size(), 2u) << "busy flag must be cleared after a tell";
+    EXPECT_EQ(told(teller, journal), Names{"l"});
+    EXPECT_EQ(told(teller, journal), Names{"l"}) << "busy flag must be cleared after a tell";
     listener.hangUp(&teller);
 }
 
 TEST(Teller, DestructionTellsListenersUnlessBusy)
 {
-    std::vector<std::string> journal;
+    Names journal;
     Plain plain("p", journal);
     Auto automatic("a", journal);
     {
@@ -100,40 +102,34 @@ TEST(Teller, DestructionTellsListenersUnlessBusy)
         automatic.phone(&teller);
     }
     std::sort(journal.begin(), journal.end());
-    EXPECT_EQ(journal, (std::vector<std::string>{"a~", "p~"}));
+    EXPECT_EQ(journal, (Names{"a~", "p~"}));
 
     // Destroyed from inside its own tell: nobody is told.
-    journal.clear();
     auto* teller = new Announcer;
     plain.phone(teller);
     plain.onHear = [](TUTeller* t) { delete static_cast<Announcer*>(t); };
-    teller->tell();
-    EXPECT_EQ(journal, std::vector<std::string>{"p"});
+    EXPECT_EQ(told(*teller, journal), Names{"p"});
 }
 
 TEST(Teller, AutoDisconnectHangsUpOnDestructionAndHangUpAll)
 {
-    std::vector<std::string> journal;
+    Names journal;
     Announcer first, second;
     {
         Auto listener("a", journal);
         listener.phone(&first);
         listener.phone(&second);
     }
-    first.tell();
-    second.tell();
-    EXPECT_TRUE(journal.empty());
+    EXPECT_TRUE(told(first, journal).empty() && told(second, journal).empty());
 
     Auto listener("a", journal);
     listener.phone(&first);
     listener.phone(&second);
     listener.hangUp(&first);
-    first.tell();
-    second.tell();
-    EXPECT_EQ(journal, std::vector<std::string>{"a"});
+    EXPECT_TRUE(told(first, journal).empty());
+    EXPECT_EQ(told(second, journal), Names{"a"});
     listener.hangUpAll();
-    second.tell();
-    EXPECT_EQ(journal.size(), 1u);
+    EXPECT_TRUE(told(second, journal).empty());
 
     // A teller that died is forgotten: hanging up later does not touch it.
     {
@@ -145,24 +141,21 @@ TEST(Teller, AutoDisconnectHangsUpOnDestructionAndHangUpAll)
 
 TEST(Teller, CopiesAreShallow)
 {
-    std::vector<std::string> journal;
+    Names journal;
     Plain plain("p", journal);
     Announcer original;
     plain.phone(&original);
     {
         Announcer copy;
         copy = original;
-        copy.tell();
-        EXPECT_EQ(journal, std::vector<std::string>{"p"});
+        EXPECT_EQ(told(copy, journal), Names{"p"});
         plain.hangUp(&copy);
     }
     // A copied auto listener knows the tellers but is not registered with them.
     Auto automatic("a", journal);
     automatic.phone(&original);
     Auto twin(automatic);
-    journal.clear();
-    original.tell();
-    EXPECT_EQ(journal.size(), 2u) << "p and a, not the twin";
+    EXPECT_EQ(told(original, journal).size(), 2u) << "p and a, not the twin";
     plain.hangUp(&original);
 }
 

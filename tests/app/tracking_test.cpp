@@ -6,7 +6,6 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <unistd.h>
 
 namespace {
@@ -23,16 +22,14 @@ public:
         if (destroyed)
             ++*destroyed;
     }
-    void trackCrash(std::string const& message, StackTrace const& trace, bool fatal) override
+    void trackCrash(std::string const& message, StackTrace const&, bool fatal) override
     {
         lastMessage = message;
-        lastFrames = trace.count();
         lastFatal = fatal;
     }
 
     int* destroyed;
     std::string lastMessage;
-    quint32 lastFrames = 0;
     bool lastFatal = false;
 };
 
@@ -77,31 +74,24 @@ __attribute__((noinline)) UT_Tracking::StackTrace captureHere()
 // An address no process maps (not null, which the sanitizers check themselves).
 int* volatile nowhere = reinterpret_cast<int*>(16);
 
-TEST(Tracking, InstanceIsANoTrackerAndArmsNothing)
+TEST(Tracking, OnlyASetTrackerArmsTheHandlersAndDeletingItDisarms)
 {
     auto const segv = dispositionOf(SIGSEGV);
     auto const abrt = dispositionOf(SIGABRT);
-    UT_Tracking& tracker = UT_Tracking::instance();
-    EXPECT_NE(dynamic_cast<UT_NoTracking*>(&tracker), nullptr);
-    EXPECT_EQ(&UT_Tracking::instance(), &tracker);
-    EXPECT_EQ(tracker.trackAction(QStringLiteral("a")), 0);
-    tracker.trackExceptions(QStringLiteral("ignored"), UT_Tracking::StackTrace(), true);
-    EXPECT_EQ(dispositionOf(SIGSEGV), segv);
-    EXPECT_EQ(dispositionOf(SIGABRT), abrt);
-    UT_Tracking::deleteInstance();
-}
+    UT_Tracking& none = UT_Tracking::instance();
+    EXPECT_NE(dynamic_cast<UT_NoTracking*>(&none), nullptr);
+    EXPECT_EQ(&UT_Tracking::instance(), &none);
+    EXPECT_EQ(none.trackAction(QStringLiteral("a")), 0);
+    none.trackExceptions(QStringLiteral("ignored"), UT_Tracking::StackTrace(), true);
+    EXPECT_TRUE(dispositionOf(SIGSEGV) == segv && dispositionOf(SIGABRT) == abrt);
 
-TEST(Tracking, SetInstanceArmsOnceAndDeleteInstanceDisarms)
-{
-    auto const segv = dispositionOf(SIGSEGV);
     int destroyed = 0;
     auto* tracker = new RecordingTracker(&destroyed);
     UT_Tracking::setInstance(tracker);
     auto const armed = dispositionOf(SIGSEGV);
     EXPECT_NE(armed, segv);
     EXPECT_NE(dispositionOf(SIGABRT), SIG_DFL);
-
-    UT_Tracking::setInstance(tracker);
+    UT_Tracking::setInstance(tracker); // the same one again: kept, armed once
     EXPECT_EQ(destroyed, 0);
     EXPECT_EQ(&UT_Tracking::instance(), tracker);
 
@@ -125,17 +115,12 @@ TEST(Tracking, ExceptionsAreReportedAsNotFatal)
         throw UT_Tracking::Exception("src/file.cpp", "load", 42, "bad header");
     } catch (UT_Tracking::Exception const& e) {
         EXPECT_STREQ(e.what(), "bad header");
-        EXPECT_EQ(e.filePath(), "src/file.cpp");
-        EXPECT_EQ(e.functionName(), "load");
-        EXPECT_EQ(e.lineNumber(), 42);
         EXPECT_GT(e.getStackTrace().count(), 0u);
         e.TrackCatch("caller", 7);
     }
     EXPECT_FALSE(tracker->lastFatal);
-    EXPECT_NE(tracker->lastMessage.find("load"), std::string::npos);
-    EXPECT_NE(tracker->lastMessage.find("Line=42"), std::string::npos);
-    EXPECT_NE(tracker->lastMessage.find("caller Line=7"), std::string::npos);
-    EXPECT_NE(tracker->lastMessage.find("bad header"), std::string::npos);
+    for (char const* part : {"load", "Line=42", "caller Line=7", "bad header"})
+        EXPECT_NE(tracker->lastMessage.find(part), std::string::npos) << part;
 
     tracker->trackExceptions(QString::fromUtf8("é"), UT_Tracking::StackTrace(), true);
     EXPECT_EQ(tracker->lastMessage, "\xc3\xa9");
@@ -173,32 +158,26 @@ TEST(StackTrace, CaptureLimitsAndTexts)
     EXPECT_EQ(copy.getText(false), text);
 }
 
+// In a death test's child: arms TRACKER, then runs FAULT.
+void crash(UT_Tracking* tracker, void (*fault)())
+{
+    defaultDispositions();
+    UT_Tracking::setInstance(tracker);
+    fault();
+}
+
 TEST(TrackingDeathTest, FaultIsReportedAndStillEndsTheProcess)
 {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
-    EXPECT_EXIT(
-        {
-            defaultDispositions();
-            UT_Tracking::setInstance(new StdErrTracker);
-            *nowhere = 1;
-        },
-        testing::KilledBySignal(SIGSEGV),
-        "App terminated by EXCEPTION_ACCESS_VIOLATIONRelative addresses:\n0 ");
-    EXPECT_EXIT(
-        {
-            defaultDispositions();
-            UT_Tracking::setInstance(new StdErrTracker);
-            std::abort();
-        },
-        testing::KilledBySignal(SIGABRT), "App terminated by SIGABRTRelative addresses:\n");
-    EXPECT_EXIT(
-        {
-            defaultDispositions();
-            UT_Tracking::setInstance(new StdErrTracker);
-            raise(SIGTRAP);
-        },
-        testing::KilledBySignal(SIGTRAP),
-        "App terminated by Unknown ExceptionRelative addresses:\n");
+    EXPECT_EXIT(crash(new StdErrTracker, [] { *nowhere = 1; }), testing::KilledBySignal(SIGSEGV),
+                "App terminated by EXCEPTION_ACCESS_VIOLATIONRelative addresses:\n0 ");
+    EXPECT_EXIT(crash(new StdErrTracker, [] { std::abort(); }), testing::KilledBySignal(SIGABRT),
+                "App terminated by SIGABRTRelative addresses:\n");
+    EXPECT_EXIT(crash(new StdErrTracker, [] { raise(SIGTRAP); }), testing::KilledBySignal(SIGTRAP),
+                "App terminated by Unknown ExceptionRelative addresses:\n");
+    // A report that aborts: the second signal only marks its start and end.
+    EXPECT_EXIT(crash(new AbortingTracker, [] { std::abort(); }), testing::KilledBySignal(SIGABRT),
+                "^Multiple signal 1 Start\nMultiple signal 1 End\n$");
 }
 
 TEST(TrackingDeathTest, SignalsAreNamedAndOnlyTheFirstIsReported)
@@ -216,54 +195,40 @@ TEST(TrackingDeathTest, SignalsAreNamedAndOnlyTheFirstIsReported)
         signalTwice(22), testing::ExitedWithCode(0),
         "App terminated by SIG:22Relative addresses:\n.*Multiple signal 1 Start\nMultiple signal 1 "
         "End\ndisarmed");
-    EXPECT_EXIT(signalTwice(SIGFPE), testing::ExitedWithCode(0),
-                "App terminated by SIGFPERelative addresses:\n");
-    EXPECT_EXIT(signalTwice(SIGILL), testing::ExitedWithCode(0),
-                "App terminated by SIGILLRelative addresses:\n");
-    EXPECT_EXIT(signalTwice(SIGSEGV), testing::ExitedWithCode(0),
-                "App terminated by SIGSEGVRelative addresses:\n");
-    EXPECT_EXIT(
-        {
-            defaultDispositions();
-            UT_Tracking::setInstance(new AbortingTracker);
-            std::abort();
-        },
-        testing::KilledBySignal(SIGABRT), "^Multiple signal 1 Start\nMultiple signal 1 End\n$");
+    for (auto [sig, name] : {std::pair{SIGFPE, "SIGFPE"}, {SIGILL, "SIGILL"}, {SIGSEGV, "SIGSEGV"}})
+        EXPECT_EXIT(signalTwice(sig), testing::ExitedWithCode(0),
+                    std::string("App terminated by ") + name + "Relative addresses:\n");
 }
 
-TEST(Names, ProcessorNamesAreShortened)
+TEST(Names, ProcessorAndGraphicsCardNamesAreNormalised)
 {
-    auto cpu = [](char const* name) {
-        return UT_Tracking::normalizeCPUName(QString::fromUtf8(name));
+    auto* const cpu = &UT_Tracking::normalizeCPUName;
+    auto* const gpu = &UT_Tracking::normalizeGraphicCardName;
+    struct Row
+    {
+        QString (*normalize)(QString const&);
+        char const* name;
+        char const* expected;
     };
-    EXPECT_EQ(cpu("Intel(R) Core(TM) i7-8700 CPU @ 3.20GHz"),
-              QStringLiteral("Intel(R) Core i7-8700"));
-    EXPECT_EQ(cpu("12th Gen Intel(R) Core(TM) i7-12700H"),
-              QStringLiteral("Intel(R) Core i7-12700H"));
-    EXPECT_EQ(cpu("AMD Ryzen 7 5800H with Radeon Graphics"), QStringLiteral("AMD Ryzen 7 5800H"));
-    EXPECT_EQ(cpu("AMD Ryzen 5 3500U with Radeon Vega Mobile Gfx"),
-              QStringLiteral("AMD Ryzen 5 3500U Mobile Gfx"));
-    EXPECT_EQ(cpu("AMD Ryzen 5 2400G with Radeon Vega Graphics  "),
-              QStringLiteral("AMD Ryzen 5 2400G"));
-    EXPECT_EQ(cpu("Quad-Core processor  @ 2 GHz"), QStringLiteral("Quad-Core"));
-    // The generation and frequency patterns match case.
-    EXPECT_EQ(cpu("11TH GEN chip @ 2.5ghz"), QStringLiteral("11TH GEN chip @ 2.5ghz"));
-    EXPECT_EQ(cpu("Fast(tm) cpu"), QStringLiteral("Fast(tm)"));
-}
-
-TEST(Names, GraphicsCardNamesAreCompleted)
-{
-    auto gpu = [](char const* name) {
-        return UT_Tracking::normalizeGraphicCardName(QString::fromUtf8(name));
-    };
-    EXPECT_EQ(gpu("GeForce GTX 1080/PCIe/SSE2"), QStringLiteral("NVIDIA GeForce GTX 1080"));
-    EXPECT_EQ(gpu("NVIDIA GTX 1080"), QStringLiteral("NVIDIA GeForce GTX 1080"));
-    EXPECT_EQ(gpu("NVIDIA GeForce RTX 3060 Laptop GPU/PCIe/SSE2"),
-              QStringLiteral("NVIDIA GeForce RTX 3060 Laptop"));
-    EXPECT_EQ(gpu("Radeon RX 580 Series"), QStringLiteral("AMD Radeon RX 580"));
-    EXPECT_EQ(gpu("AMD RX 6600 (TM)"), QStringLiteral("AMD Radeon RX 6600"));
-    EXPECT_EQ(gpu("Intel(R) Iris(TM) Plus OpenGL Engine"), QStringLiteral("Intel(R) Iris Plus"));
-    EXPECT_EQ(gpu("geforce gtx"), QStringLiteral("geforce gtx")) << "brands match case";
+    Row const rows[] = {
+        {cpu, "Intel(R) Core(TM) i7-8700 CPU @ 3.20GHz", "Intel(R) Core i7-8700"},
+        {cpu, "12th Gen Intel(R) Core(TM) i7-12700H", "Intel(R) Core i7-12700H"},
+        {cpu, "AMD Ryzen 7 5800H with Radeon Graphics", "AMD Ryzen 7 5800H"},
+        {cpu, "AMD Ryzen 5 3500U with Radeon Vega Mobile Gfx", "AMD Ryzen 5 3500U Mobile Gfx"},
+        {cpu, "AMD Ryzen 5 2400G with Radeon Vega Graphics  ", "AMD Ryzen 5 2400G"},
+        {cpu, "Quad-Core processor  @ 2 GHz", "Quad-Core"},
+        {cpu, "11TH GEN chip @ 2.5ghz", "11TH GEN chip @ 2.5ghz"}, // the patterns match case
+        {cpu, "Fast(tm) cpu", "Fast(tm)"},
+        {gpu, "GeForce GTX 1080/PCIe/SSE2", "NVIDIA GeForce GTX 1080"},
+        {gpu, "NVIDIA GTX 1080", "NVIDIA GeForce GTX 1080"},
+        {gpu, "NVIDIA GeForce RTX 3060 Laptop GPU/PCIe/SSE2", "NVIDIA GeForce RTX 3060 Laptop"},
+        {gpu, "Radeon RX 580 Series", "AMD Radeon RX 580"},
+        {gpu, "AMD RX 6600 (TM)", "AMD Radeon RX 6600"},
+        {gpu, "Intel(R) Iris(TM) Plus OpenGL Engine", "Intel(R) Iris Plus"},
+        {gpu, "geforce gtx", "geforce gtx"}}; // brands match case
+    for (Row const& row : rows)
+        EXPECT_EQ(row.normalize(QString::fromUtf8(row.name)).toStdString(), row.expected)
+            << row.name;
 }
 
 TEST(Assertion, ReportsToBothStreams)
