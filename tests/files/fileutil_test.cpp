@@ -68,11 +68,11 @@ TEST_F(FileUtilTest, RenameNewFileNeverReplacesTheTarget)
     EXPECT_FALSE(CanWriteFile(spec("missing/x")));
 }
 
-TEST_F(FileUtilTest, LockersExcludeEachOtherInOneProcess)
+TEST_F(FileUtilTest, LockersAndTheirCopiesExcludeOthersInOneProcess)
 {
     QString const path = at("scene.lock");
-    FileLocker first;
-    EXPECT_TRUE(first.Lock(path, ExclusiveLock, false));
+    auto first = std::make_unique<FileLocker>();
+    EXPECT_TRUE(first->Lock(path, ExclusiveLock, false));
     EXPECT_EQ(QFileInfo(path).permissions() & (QFile::ReadOther | QFile::WriteOther), 0);
 
     FileLocker second;
@@ -84,27 +84,17 @@ TEST_F(FileUtilTest, LockersExcludeEachOtherInOneProcess)
     write("scene.lock", "data");
     EXPECT_EQ(read("scene.lock"), "data");
 
-    first.Unlock();
-    EXPECT_FALSE(first.Locked());
+    // A copy shares the lock, which outlives the original.
+    FileLocker copy;
+    copy = *first;
+    first.reset();
+    EXPECT_FALSE(second.Lock(path, SharedLock, false)) << "the copy still holds it";
+    copy.Unlock();
+    EXPECT_FALSE(copy.Locked());
     EXPECT_TRUE(second.Lock(path, SharedLock, false));
     FileLocker third(path, SharedLock);
     EXPECT_TRUE(third.Locked());
-    EXPECT_FALSE(first.Lock(path, ExclusiveLock, false));
-}
-
-TEST_F(FileUtilTest, CopiesShareTheLock)
-{
-    QString const path = at("copy.lock");
-    auto copy = std::make_unique<FileLocker>();
-    {
-        FileLocker original;
-        ASSERT_TRUE(original.Lock(path, ExclusiveLock, false));
-        *copy = original;
-    }
-    FileLocker other;
-    EXPECT_FALSE(other.Lock(path, ExclusiveLock, false)) << "the copy still holds it";
-    copy.reset();
-    EXPECT_TRUE(other.Lock(path, ExclusiveLock, false));
+    EXPECT_FALSE(copy.Lock(path, ExclusiveLock, false));
 }
 
 // Keeps the reports instead of writing them.
