@@ -64,26 +64,21 @@ TEST(UT_Path, NamePartsAndEditing)
     EXPECT_EQ(bare.GetExtension() + "|" + bare.GetBaseName(), "|README");
 
     p.SetPath("/a/b/c.txt");
-    EXPECT_TRUE(p.SetExtension("tga"));
-    EXPECT_TRUE(p.AddExtension("gz"));
+    EXPECT_TRUE(p.SetExtension("tga") && p.AddExtension("gz"));
     EXPECT_EQ(p.GetPath(), "/a/b/c.tga.gz");
-    EXPECT_TRUE(p.SetExtension("", true));
-    EXPECT_TRUE(p.AddFolder("x/y"));
+    EXPECT_TRUE(p.SetExtension("", true) && p.AddFolder("x/y"));
     EXPECT_EQ(p.GetPath(), "/a/b/x/y/c");
     EXPECT_TRUE(p.AddName("d.png"));
     EXPECT_EQ(p.GetPath(), "/a/b/x/y/c/d.png");
     EXPECT_TRUE(p.SetFolder(QStringLiteral("D:\\other")));
     EXPECT_EQ(p.GetPath(), "D:/other/d.png");
-    EXPECT_TRUE(p.SetFileName("e"));
-    EXPECT_TRUE(p.SetDrive(""));
+    EXPECT_TRUE(p.SetFileName("e") && p.SetDrive(""));
     EXPECT_EQ(p.GetPath(), "/other/e");
-    EXPECT_TRUE(p.SetFolderPath("/f/g"));
-    EXPECT_TRUE(p.IsFolderPath());
+    EXPECT_TRUE(p.SetFolderPath("/f/g") && p.IsFolderPath());
     EXPECT_EQ(p.GetPath(), "/f/g");
     EXPECT_TRUE(p.Up());
     EXPECT_EQ(p.GetPath(), "/f");
-    EXPECT_TRUE(p.Up());
-    EXPECT_TRUE(p.isRoot());
+    EXPECT_TRUE(p.Up() && p.isRoot());
     EXPECT_FALSE(p.Up());
 }
 
