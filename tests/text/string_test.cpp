@@ -44,21 +44,15 @@ TEST(UTString, ChunkBoundariesDoNotChangeTheResult)
 
 TEST(UTString, Utf8OutputStopsAtAnUnpairedSurrogate)
 {
-    EXPECT_EQ(UT_String(u"a\u00E9\u20AC\U0001F600").utf8(),
-              "a\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80");
-    EXPECT_EQ(UT_String(u"ab\xD800").utf8(), "ab");
-    EXPECT_EQ(UT_String(u"ab\xD800x").utf8(), "ab");
-    EXPECT_EQ(UT_String(u"ab\xDC00x").utf8(), "ab");
-    UT_String withZero(u"a");
-    withZero.push_back(0);
-    withZero.push_back(u'b');
-    EXPECT_EQ(withZero.utf8(), std::string("a\0b", 3));
+    // Every width round-trips in the chunk test above.
+    for (UT_String const bad : {u"ab\xD800", u"ab\xD800x", u"ab\xDC00x"})
+        EXPECT_EQ(bad.utf8(), "ab");
+    EXPECT_EQ(UT_String(u"a\0b", 3).utf8(), std::string("a\0b", 3));
 }
 
 TEST(UTString, QStringRoundTripKeepsEveryUnit)
 {
-    QString text = QStringLiteral("x");
-    text.append(QChar(0)).append(QChar(0xD800)).append(QStringLiteral("y"));
+    QString const text = QString::fromUtf16(u"x\0\xD800y", 4);
     UT_String s(text);
     EXPECT_EQ(s.size(), 4u);
     EXPECT_EQ(s.ToQString(), text);
@@ -90,9 +84,7 @@ TEST(UTString, CompareAndCaseMapping)
     EXPECT_LT(UT_String(u"abc").compare_nocase(UT_String(u"ABD")), 0);
 
     // Case mapping stops at the first zero unit and leaves the original alone.
-    UT_String s(u"MiXeD");
-    s.push_back(0);
-    s.append(u"TAIL");
+    UT_String const s(u"MiXeD\0TAIL", 10);
     EXPECT_EQ(s.lower(), u"mixed");
     EXPECT_EQ(s.upper(), u"MIXED");
     EXPECT_EQ(s.size(), 10u);
@@ -106,9 +98,7 @@ TEST(UTString, Trims)
     EXPECT_EQ(UT_String(u"0120").TrimRight(u'0'), u"012");
     EXPECT_EQ(UT_String(u"--ab-+").TrimRight(u"+-").TrimLeft(u"-"), u"ab");
     EXPECT_EQ(UT_String(u" \t ").TrimRight(), u"");
-    UT_String set(u"x");
-    set.push_back(0);
-    set.push_back(u'y'); // after the zero: not part of the set
+    UT_String const set(u"x\0y", 3); // the 'y' after the zero is not part of the set
     EXPECT_EQ(UT_String(u"xyax").TrimLeft(set), u"yax");
 }
 
@@ -133,9 +123,7 @@ TEST(UTString, LocaleConversions)
     UT_S2W(std::string("x\0y", 3), out);
     EXPECT_EQ(out, u"x");
 
-    UT_String wide(u"\u00E9\U0001F600");
-    wide.push_back(0);
-    wide.push_back(0xD800);
+    UT_String const wide(u"\u00E9\U0001F600\0\xD800", 5);
     EXPECT_EQ(UT_W2S(wide), std::string("\xC3\xA9\xF0\x9F\x98\x80\0?", 8));
 
     ASSERT_NE(std::setlocale(LC_ALL, "C"), nullptr);
