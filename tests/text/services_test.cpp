@@ -12,12 +12,12 @@ using namespace UT_StringServices;
 
 TEST(StringServices, FlushSpaceAndIsUnicode)
 {
-    std::string s = "\t\v\f\r\n x y \r\n";
-    FlushSpace(s);
-    EXPECT_EQ(s, "x y");
-    s = " \t ";
-    FlushSpace(s);
-    EXPECT_EQ(s, "");
+    auto flushed = [](std::string s) {
+        FlushSpace(s);
+        return s;
+    };
+    EXPECT_EQ(flushed("\t\v\f\r\n x y \r\n"), "x y");
+    EXPECT_EQ(flushed(" \t "), "");
     EXPECT_FALSE(isUnicode(QString()));
     EXPECT_FALSE(isUnicode(QStringLiteral("plain \x7F")));
     EXPECT_TRUE(isUnicode(QString::fromUtf8("caf\xC3\xA9")));
