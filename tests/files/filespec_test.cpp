@@ -2,7 +2,6 @@
 #include <BrindleBaseCore/app/MSG_Text.h>
 #include <BrindleBaseCore/files/PL_FileSpec.h>
 #include <BrindleBaseCore/files/PL_TemporaryDir.h>
-#include <BrindleBaseCore/files/UT_RelPath.h>
 
 #include <QtCore/QDir>
 #include <QtCore/QFile>

@@ -57,7 +57,7 @@ TEST(PL_FileSignature, FileDigestMatchesTheWholeContent)
     EXPECT_FALSE(signature.computeSignature(PL_FileSpec()));
 }
 
-TEST(PL_FileSignature, HexTextAndBytes)
+TEST(PL_FileSignature, HexTextBytesAndOrder)
 {
     PL_FileSignature signature;
     EXPECT_TRUE(signature.setSignature("900150983CD24FB0D6963F7D28E17F72"));
@@ -74,10 +74,8 @@ TEST(PL_FileSignature, HexTextAndBytes)
     PL_FileSignature loaded;
     loaded.load(signature.data());
     EXPECT_EQ(loaded, signature);
-}
 
-TEST(PL_FileSignature, ComparisonRules)
-{
+    // Two invalid signatures are equal; invalid sorts first; bytes compare unsigned.
     PL_FileSignature invalidA, invalidB, low, high;
     EXPECT_TRUE(invalidA == invalidB && !(invalidA < invalidB));
     ASSERT_TRUE(low.setSignature("7f000000000000000000000000000000"));
