@@ -39,7 +39,7 @@ TEST(FormatMessage, StarWidthsPositionsAndManyConversions)
               u"121110987654321");
 }
 
-TEST(FormatMessage, OddSpecificationsAreCopiedThrough)
+TEST(FormatMessage, OddSpecificationsAndUnitCounts)
 {
     EXPECT_EQ(UT_FormatMessage("%y|%d", 4), u"%y|4");
     EXPECT_EQ(UT_FormatMessage("tail %"), u"tail %");
@@ -47,14 +47,11 @@ TEST(FormatMessage, OddSpecificationsAreCopiedThrough)
     EXPECT_EQ(UT_FormatMessage("%9$d"), u"%9$d"); // beyond what one conversion can use
     EXPECT_EQ(UT_FormatMessage("%0$d"), u"%0$d");
     EXPECT_EQ(UT_FormatMessage("%999999999999d", 1).size(), 1000000u); // width is capped
-}
 
-TEST(FormatMessage, CountsUnitsWritten)
-{
+    // %n and %hn store the UTF-16 units written so far.
     int count = -1;
     short shortCount = -1;
-    UT_String s = UT_FormatMessage("\xC3\xA9t\xC3\xA9%n-%hn", &count, &shortCount);
-    EXPECT_EQ(s, u"\u00E9t\u00E9-");
+    EXPECT_EQ(UT_FormatMessage("\xC3\xA9t\xC3\xA9%n-%hn", &count, &shortCount), u"\u00E9t\u00E9-");
     EXPECT_EQ(count, 3);
     EXPECT_EQ(shortCount, 4);
 }

@@ -102,7 +102,7 @@ TEST(UTString, Trims)
     EXPECT_EQ(UT_String(u"xyax").TrimLeft(set), u"yax");
 }
 
-TEST(UTString, Numbers)
+TEST(UTString, NumbersAndLocaleConversions)
 {
     EXPECT_EQ(UT_W2Int(UT_String(u"12abc")), 12);
     EXPECT_EQ(UT_W2Int(UT_String(u"  -7")), -7);
@@ -111,10 +111,7 @@ TEST(UTString, Numbers)
     EXPECT_DOUBLE_EQ(UT_W2Float(UT_String(u"2,75")), 2.75);
     EXPECT_DOUBLE_EQ(UT_W2Float(UT_String(u"-1.5e2x")), -150.0);
     EXPECT_DOUBLE_EQ(UT_W2Float(UT_String(u"abc")), 0.0);
-}
 
-TEST(UTString, LocaleConversions)
-{
     ASSERT_NE(std::setlocale(LC_ALL, "C.UTF-8"), nullptr);
     EXPECT_EQ(UT_A2W("caf\xC3\xA9"), u"caf\u00E9");
     EXPECT_EQ(UT_A2W("a\377b"), u"a\uFFFDb"); // not UTF-8: replaced, not cut
