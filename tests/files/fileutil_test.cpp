@@ -98,19 +98,16 @@ TEST_F(FileUtilTest, LockersAndTheirCopiesExcludeOthersInOneProcess)
 }
 
 // Keeps the reports instead of writing them.
-class CapturingChannel : public TUMessage
+struct CapturingChannel : TUMessage
 {
-public:
     CapturingChannel()
         : TUMessage(QStringLiteral("test"), false, true)
     {}
-    QStringList reports;
-
-protected:
     void writeLog(char type, QString const& text, QString const&, bool) override
     {
-        reports << QString(QLatin1Char(type)) + QLatin1Char(':') + text;
+        reports << QLatin1Char(type) + QStringLiteral(":") + text;
     }
+    QStringList reports;
 };
 
 TEST_F(FileUtilTest, RefusedInputs)
