@@ -24,17 +24,14 @@ TEST(FormatMessage, PrintfConversions)
     EXPECT_EQ(UT_FormatMessage("%ls|%hS|%lc|%lld", u"w", "n", u'x', 5LL), u"w|n|x|5");
 }
 
-TEST(FormatMessage, StarWidthsAndPositions)
+TEST(FormatMessage, StarWidthsPositionsAndManyConversions)
 {
     EXPECT_EQ(UT_FormatMessage("%*d|%-*d|%.*f", 4, 1, 3, 2, 1, 2.25), u"   1|2  |2.2");
     EXPECT_EQ(UT_FormatMessage("%*d", -3, 7), u"7  "); // a negative width left-aligns
     EXPECT_EQ(UT_FormatMessage("%2$s %1$s", "world", "hello"), u"hello world");
     EXPECT_EQ(UT_FormatMessage("%2$d %1$.*3$f %2$d", 1.5, 7, 2), u"7 1.50 7");
     EXPECT_EQ(UT_FormatMessage("%1$*2$d|", 5, 3), u"  5|");
-}
-
-TEST(FormatMessage, ManyConversionsUseTheHeapTable)
-{
+    // More conversions than the table on the stack holds.
     char const* format = "%d%d%d%d%d%d%d%d%d%d%d%d";
     EXPECT_EQ(UT_FormatMessage(format, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12), u"123456789101112");
     EXPECT_EQ(UT_FormatMessage("%12$d%11$d%10$d%9$d%8$d%7$d%6$d%5$d%4$d%3$d%2$d%1$d", 1, 2, 3, 4, 5,
@@ -42,7 +39,7 @@ TEST(FormatMessage, ManyConversionsUseTheHeapTable)
               u"121110987654321");
 }
 
-TEST(FormatMessage, OddSpecificationsAreCopiedThrough)
+TEST(FormatMessage, OddSpecificationsAndUnitCounts)
 {
     EXPECT_EQ(UT_FormatMessage("%y|%d", 4), u"%y|4");
     EXPECT_EQ(UT_FormatMessage("tail %"), u"tail %");
@@ -50,19 +47,16 @@ TEST(FormatMessage, OddSpecificationsAreCopiedThrough)
     EXPECT_EQ(UT_FormatMessage("%9$d"), u"%9$d"); // beyond what one conversion can use
     EXPECT_EQ(UT_FormatMessage("%0$d"), u"%0$d");
     EXPECT_EQ(UT_FormatMessage("%999999999999d", 1).size(), 1000000u); // width is capped
-}
 
-TEST(FormatMessage, CountsUnitsWritten)
-{
+    // %n and %hn store the UTF-16 units written so far.
     int count = -1;
     short shortCount = -1;
-    UT_String s = UT_FormatMessage("\xC3\xA9t\xC3\xA9%n-%hn", &count, &shortCount);
-    EXPECT_EQ(s, u"\u00E9t\u00E9-");
+    EXPECT_EQ(UT_FormatMessage("\xC3\xA9t\xC3\xA9%n-%hn", &count, &shortCount), u"\u00E9t\u00E9-");
     EXPECT_EQ(count, 3);
     EXPECT_EQ(shortCount, 4);
 }
 
-TEST(FormatFrame, Timecode)
+TEST(FormatFrame, TimecodeFeetAndFrameNumbers)
 {
     EXPECT_EQ(UT_FormatFrame(0, 24), u"00:00");
     EXPECT_EQ(UT_FormatFrame(1, 24), u"00:01");
@@ -73,10 +67,7 @@ TEST(FormatFrame, Timecode)
     EXPECT_EQ(UT_FormatFrame(30 * 3600 * 100 + 29, 30), u"100:00:00:29");
     EXPECT_EQ(UT_FormatFrame(5, 0), u"");
     EXPECT_EQ(UT_FormatFrame(5, 1u << 28), u""); // frames per hour wrap to zero
-}
 
-TEST(FormatFrame, OtherFormats)
-{
     EXPECT_EQ(UT_Format::formatFrame(35, 24, false, UT_Format::FeetAndFrames), u"2:3");
     EXPECT_EQ(UT_Format::formatFrame(16, 24, false, UT_Format::FeetAndFrames), u"1:0");
     EXPECT_EQ(UT_Format::formatFrame(1234, 24, true, UT_Format::FrameNumber), u"1234");

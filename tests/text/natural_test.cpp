@@ -14,25 +14,22 @@ namespace {
 
 struct Token
 {
+    bool number = false;
     QString text;
     std::uint32_t value = 0;
-    int kind = 0; // 1 text, 2 number
 };
 
 std::vector<Token> tokens(QString const& item)
 {
     std::vector<Token> list;
-    int previous = 0;
     for (QChar c : item) {
-        int digit = c.digitValue();
-        int kind = digit >= 0 ? 2 : 1;
-        if (kind != previous)
-            list.push_back(Token{{}, 0, kind});
-        if (kind == 1)
+        int const digit = c.digitValue();
+        if (list.empty() || list.back().number != (digit >= 0))
+            list.push_back(Token{digit >= 0, {}, 0});
+        if (digit < 0)
             list.back().text.append(c);
         else
             list.back().value = list.back().value * 10 + std::uint32_t(digit);
-        previous = kind;
     }
     return list;
 }
@@ -43,9 +40,9 @@ bool referenceLess(QString const& a, QString const& b)
     std::vector<Token> ta = tokens(a);
     std::vector<Token> tb = tokens(b);
     for (std::size_t i = 0; i < std::min(ta.size(), tb.size()); ++i) {
-        if (ta[i].kind != tb[i].kind)
-            return ta[i].kind == 2;
-        if (ta[i].kind == 1) {
+        if (ta[i].number != tb[i].number)
+            return ta[i].number;
+        if (!ta[i].number) {
             int order = ta[i].text.compare(tb[i].text, Qt::CaseInsensitive);
             if (order != 0)
                 return order < 0;
@@ -91,10 +88,8 @@ TEST(NaturalSort, SmallCases)
     EXPECT_TRUE(getOrder({}).empty());
     EXPECT_EQ(getOrder({"x"}), std::vector<std::size_t>{0});
     std::vector<QString> result = ordered({"b10", "b2", "B2", "a"});
-    EXPECT_EQ(result[0], "a");
-    EXPECT_TRUE((result[1] == "b2" && result[2] == "B2") ||
-                (result[1] == "B2" && result[2] == "b2"));
-    EXPECT_EQ(result[3], "b10");
+    std::sort(result.begin() + 1, result.begin() + 3); // "b2" and "B2" are equivalent
+    EXPECT_EQ(result, (std::vector<QString>{"a", "B2", "b2", "b10"}));
     EXPECT_EQ(ordered({"a01", "a1", "a"}), (std::vector<QString>{"a", "a1", "a01"}));
     EXPECT_EQ(ordered({"x", "1", "x1", ""}), (std::vector<QString>{"", "1", "x", "x1"}));
     // 3000000000 wraps past 2^31 and sorts before small numbers (intended).
@@ -112,27 +107,21 @@ TEST(NaturalSort, AgreesWithTheTokenComparison)
         for (QString& item : items)
             item = randomName(random);
         std::vector<QString> result = ordered(items);
-        ASSERT_EQ(result.size(), items.size());
-        for (std::size_t i = 1; i < result.size(); ++i)
-            ASSERT_FALSE(referenceLess(result[i], result[i - 1]))
-                << result[i - 1].toStdString() << " / " << result[i].toStdString();
         std::vector<QString> expected = items;
         std::sort(expected.begin(), expected.end(), referenceLess);
+        ASSERT_EQ(result.size(), expected.size());
         for (std::size_t i = 0; i < result.size(); ++i) // equivalent element by element
             ASSERT_FALSE(referenceLess(result[i], expected[i]) ||
-                         referenceLess(expected[i], result[i]));
+                         referenceLess(expected[i], result[i]))
+                << i << ": " << result[i].toStdString() << " / " << expected[i].toStdString();
     }
 }
 
-TEST(NaturalSort, SortAndConvert)
+TEST(NaturalSort, SortsAQStringRange)
 {
     QList<QString> list = {"img12", "img3", "IMG1", "img"};
     sort(list.begin(), list.end());
     EXPECT_EQ(list, (QList<QString>{"img", "IMG1", "img3", "img12"}));
     QList<QString> empty;
-    sort(empty.begin(), empty.end());
-    EXPECT_TRUE(empty.isEmpty());
-    UT_String text(u"ab");
-    text.push_back(0);
-    EXPECT_EQ(convertToQString(text).size(), 3);
+    sort(empty.begin(), empty.end()); // an empty range is fine
 }

@@ -12,12 +12,12 @@ using namespace UT_StringServices;
 
 TEST(StringServices, FlushSpaceAndIsUnicode)
 {
-    std::string s = "\t\v\f\r\n x y \r\n";
-    FlushSpace(s);
-    EXPECT_EQ(s, "x y");
-    s = " \t ";
-    FlushSpace(s);
-    EXPECT_EQ(s, "");
+    auto flushed = [](std::string s) {
+        FlushSpace(s);
+        return s;
+    };
+    EXPECT_EQ(flushed("\t\v\f\r\n x y \r\n"), "x y");
+    EXPECT_EQ(flushed(" \t "), "");
     EXPECT_FALSE(isUnicode(QString()));
     EXPECT_FALSE(isUnicode(QStringLiteral("plain \x7F")));
     EXPECT_TRUE(isUnicode(QString::fromUtf8("caf\xC3\xA9")));
@@ -42,26 +42,23 @@ TEST(StringServices, Wchar2CharMakesOwnedUtf8Copies)
     std::free(single[0]);
 }
 
-TEST(StringServices, TupleLess)
+TEST(StringServices, TupleLessOrdersFileNames)
 {
-    auto less = [](char const* a, char const* b) {
-        return NumericAlphanumericTupleLess(QString::fromLatin1(a), QString::fromLatin1(b));
-    };
-    EXPECT_TRUE(less("file2.tga", "file10.tga"));
-    EXPECT_FALSE(less("file10.tga", "file2.tga"));
-    EXPECT_TRUE(less("a.txt", "a"));     // extension first
-    EXPECT_TRUE(less("b.exr", "a.tga")); // ordered by extension first
-    EXPECT_TRUE(less("x_1", "xA1"));
-    EXPECT_TRUE(less("007", "7"));
-    EXPECT_TRUE(less("a", "A"));
-    EXPECT_TRUE(less("z", "A"));
-    EXPECT_TRUE(less("9", "a"));
-    EXPECT_TRUE(less("", "a"));
-    EXPECT_FALSE(less("a", ""));
-    EXPECT_TRUE(less("dir.v2/shot", "dir.v2/shot1")); // the last separator is '/'
+    auto less = NumericAlphanumericTupleLess;
+    // "first<second", strictly: numbers by value, names with an extension first
+    // and by extension, '/' as the last separator.
+    for (QString const pair : {"file2.tga<file10.tga", "a.txt<a", "b.exr<a.tga", "x_1<xA1", "007<7",
+                               "a<A", "z<A", "9<a", "<a", "dir.v2/shot<dir.v2/shot1"}) {
+        QStringList const ab = pair.split('<');
+        EXPECT_TRUE(less(ab[0], ab[1]) && !less(ab[1], ab[0])) << pair.toStdString();
+    }
     EXPECT_TRUE(less("a99999999999b", "a1b") || less("a1b", "a99999999999b"));
     for (char const* name : {"", "a", "x.1", "007", "a.b.c", "\xE9", "_", "99999999999"})
-        EXPECT_FALSE(less(name, name)) << name;
+        EXPECT_FALSE(less(QString::fromLatin1(name), QString::fromLatin1(name))) << name;
+    QStringList names = {"shot10.exr", "shot2.exr", "Shot2.exr", "shot2", "shot_2.exr", "readme"};
+    std::stable_sort(names.begin(), names.end(), NumericAlphanumericTupleLess);
+    EXPECT_EQ(names, QStringList({"shot_2.exr", "shot2.exr", "shot10.exr", "Shot2.exr", "readme",
+                                  "shot2"}));
 }
 
 TEST(StringServices, TupleLessIsAStrictWeakOrder)
@@ -78,58 +75,34 @@ TEST(StringServices, TupleLessIsAStrictWeakOrder)
         return QString::fromLatin1(bytes);
     };
     auto less = NumericAlphanumericTupleLess;
+    auto same = [&](QString const& x, QString const& y) { return !less(x, y) && !less(y, x); };
     for (int round = 0; round < 20000; ++round) {
         QString a = name(), b = name(), c = name();
-        ASSERT_FALSE(less(a, a)) << a.toStdString();
-        ASSERT_FALSE(less(a, b) && less(b, a)) << a.toStdString() << " " << b.toStdString();
-        if (less(a, b) && less(b, c)) {
-            ASSERT_TRUE(less(a, c))
-                << a.toStdString() << " " << b.toStdString() << " " << c.toStdString();
-        }
-        bool abEquivalent = !less(a, b) && !less(b, a);
-        bool bcEquivalent = !less(b, c) && !less(c, b);
-        if (abEquivalent && bcEquivalent) {
-            ASSERT_TRUE(!less(a, c) && !less(c, a));
-        }
+        std::string const names = (a + " | " + b + " | " + c).toStdString();
+        ASSERT_FALSE(less(a, a) || (less(a, b) && less(b, a))) << names;
+        ASSERT_TRUE(!(less(a, b) && less(b, c)) || less(a, c)) << names;
+        ASSERT_TRUE(!(same(a, b) && same(b, c)) || same(a, c)) << names;
     }
-}
-
-TEST(StringServices, TupleLessSortsFileNames)
-{
-    QStringList names = {"shot10.exr", "shot2.exr", "Shot2.exr", "shot2", "shot_2.exr", "readme"};
-    std::stable_sort(names.begin(), names.end(), NumericAlphanumericTupleLess);
-    EXPECT_EQ(names, QStringList({"shot_2.exr", "shot2.exr", "shot10.exr", "Shot2.exr", "readme",
-                                  "shot2"}));
 }
 
 TEST(StringServices, EvaluateCondition)
 {
     std::set<std::string> const defined = {"linux", "x64", "debug_1"};
-    auto eval = [&](char const* expression) { return EvaluateCondition(expression, defined); };
-    EXPECT_TRUE(eval("linux"));
-    EXPECT_FALSE(eval("windows"));
-    EXPECT_TRUE(eval("linux && x64"));
-    EXPECT_TRUE(eval(" linux and not windows "));
-    EXPECT_TRUE(eval("windows || debug_1"));
-    EXPECT_TRUE(eval("windows or !mac"));
-    EXPECT_FALSE(eval("!(linux && x64)"));
-    EXPECT_TRUE(eval("windows && mac || linux")); // && binds tighter
-    EXPECT_FALSE(eval("windows && (mac || linux)"));
-    EXPECT_TRUE(eval("!!linux"));
-    EXPECT_TRUE(eval("not windows and not mac"));
-    EXPECT_TRUE(eval("((((linux))))"));
-    EXPECT_FALSE(eval("notlinux")); // a name, not an operator
-}
-
-TEST(StringServices, MalformedConditionsAreFalse)
-{
-    std::set<std::string> const defined = {"a", "b"};
-    for (char const* bad : {"", "   ", "a &&", "&& a", "a b", "(a", "a)", "a & b", "a | b", "()",
-                            "!", "a && || b", "a$", "a !b", "not"}) {
+    for (char const* yes :
+         {"linux", "linux && x64", " linux and not windows ", "windows || debug_1",
+          "windows or !mac", "windows && mac || linux" /* && binds tighter */, "!!linux",
+          "not windows and not mac", "((((linux))))"})
+        EXPECT_TRUE(EvaluateCondition(yes, defined)) << yes;
+    for (char const* no : {"windows", "!(linux && x64)", "windows && (mac || linux)",
+                           "notlinux" /* a name, not an operator */})
+        EXPECT_FALSE(EvaluateCondition(no, defined)) << no;
+    // Malformed conditions are false.
+    for (char const* bad :
+         {"", "   ", "linux &&", "&& linux", "linux x64", "(linux", "linux)", "linux & x64",
+          "linux | x64", "()", "!", "linux && || x64", "linux$", "linux !x64", "not"})
         EXPECT_FALSE(EvaluateCondition(bad, defined)) << bad;
-    }
     std::string deep(200000, '(');
-    deep += "a";
+    deep += "linux";
     deep += std::string(200000, ')');
     EXPECT_TRUE(EvaluateCondition(deep, defined));
     EXPECT_FALSE(EvaluateCondition(std::string(200000, '!') + "(", defined));
