@@ -62,6 +62,7 @@ struct Avx512Lanes
 #if defined(__GNUC__) && !defined(__clang__)
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wuninitialized"
+#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
 #endif
     static void storeColumns(__m256d const* x, double* out)
     {
