@@ -22,19 +22,28 @@ void onThreads(int count, Body body)
 constexpr int kThreads = 4;
 constexpr int kRounds = 5000;
 
-TEST(SpinMutex, ExactCountUnderContention)
+// Counters left plain on purpose: only the locks protect them.
+TEST(SpinAndRecursiveMutex, ExactCountsUnderContention)
 {
-    PL_SpinMutex mutex;
-    long counter = 0; // plain on purpose: only the lock protects it
+    PL_SpinMutex spin;
+    PL_RecursiveMutex recursive;
+    long spinCount = 0, recursiveCount = 0;
     onThreads(kThreads, [&](int) {
         for (int i = 0; i < kRounds; ++i) {
-            PL_MutexScopeLock<PL_SpinMutex> guard(mutex);
-            ++counter;
-            if (i % 2)
-                guard.release(); // the destructor must not release again
+            {
+                PL_MutexScopeLock<PL_SpinMutex> guard(spin);
+                ++spinCount;
+                if (i % 2)
+                    guard.release(); // the destructor must not release again
+            }
+            PL_MutexScopeLock<PL_RecursiveMutex> outer(recursive);
+            PL_MutexScopeLock<PL_RecursiveMutex> inner;
+            EXPECT_TRUE(inner.try_acquire(recursive)); // the owner can always re-enter
+            ++recursiveCount;
         }
     });
-    EXPECT_EQ(counter, long(kThreads) * kRounds);
+    EXPECT_EQ(spinCount, long(kThreads) * kRounds);
+    EXPECT_EQ(recursiveCount, long(kThreads) * kRounds);
 }
 
 TEST(SpinRwMutex, WritersExcludeEveryoneReadersShare)
@@ -94,21 +103,6 @@ TEST(QueuingRwMutex, ExactCountWithUpgrades)
         }
     });
     EXPECT_EQ(counter, long(kThreads) * (kRounds / 2));
-}
-
-TEST(RecursiveMutex, RecursionAndExclusion)
-{
-    PL_RecursiveMutex mutex;
-    long counter = 0;
-    onThreads(kThreads, [&](int) {
-        for (int i = 0; i < kRounds; ++i) {
-            PL_MutexScopeLock<PL_RecursiveMutex> outer(mutex);
-            PL_MutexScopeLock<PL_RecursiveMutex> inner;
-            EXPECT_TRUE(inner.try_acquire(mutex)); // the owner can always re-enter
-            ++counter;
-        }
-    });
-    EXPECT_EQ(counter, long(kThreads) * kRounds);
 }
 
 TEST(RecursiveMutex, FailedTryStillReleasesOnDestruction)
