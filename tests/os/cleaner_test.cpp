@@ -55,9 +55,8 @@ protected:
     QString file(QString const& name) const { return dir.filePath(name); }
     QString makeFile(QString const& name) const
     {
-        QFile f(file(name));
-        f.open(QIODevice::WriteOnly);
-        return f.fileName();
+        QFile(file(name)).open(QIODevice::WriteOnly);
+        return file(name);
     }
     QString key() const
     {
@@ -66,8 +65,7 @@ protected:
     }
     static bool segmentExists(QString const& key)
     {
-        QSharedMemory probe(key);
-        return probe.attach(QSharedMemory::ReadOnly);
+        return QSharedMemory(key).attach(QSharedMemory::ReadOnly);
     }
     // Registers a file and a shared-memory segment of `key` in the child.
     static void registerBoth(QString const& path, QString const& key)
