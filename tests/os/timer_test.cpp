@@ -79,22 +79,6 @@ TEST_F(Timers, OneShotDirectIsDeliveredOnceAndEnds)
     EXPECT_FALSE(timer.IsTimerActive());
 }
 
-TEST_F(Timers, IdleHookDeliversFromTheEventLoop)
-{
-    ASSERT_TRUE(PL_TimerManager::InstallIdleHook());
-    ASSERT_TRUE(PL_TimerManager::InstallIdleHook()); // once is enough
-    CountingTimer timer;
-    ASSERT_TRUE(timer.StartTimer(20, false, false));
-    runLoop(3000, [&] { return timer.count >= 3; });
-    EXPECT_GE(timer.count, 3);
-    EXPECT_TRUE(timer.IsTimerActive());
-    EXPECT_TRUE(timer.StopTimer());
-    EXPECT_FALSE(timer.IsTimerActive());
-    int const stoppedAt = timer.count;
-    runLoop(60);
-    EXPECT_EQ(timer.count, stoppedAt);
-}
-
 // Queued expiries wait for Idle(); a late periodic one is delivered once for all
 // the expiries in between, and the next one is posted only after that.
 TEST_F(Timers, QueuedDeliveryWaitsForIdleAndIsCoalesced)
@@ -123,6 +107,22 @@ TEST_F(Timers, QueuedDeliveryWaitsForIdleAndIsCoalesced)
     runLoop(150);
     EXPECT_EQ(direct.count, 1);
     EXPECT_TRUE(direct.IsTimerActive());
+}
+
+TEST_F(Timers, IdleHookDeliversFromTheEventLoop)
+{
+    ASSERT_TRUE(PL_TimerManager::InstallIdleHook());
+    ASSERT_TRUE(PL_TimerManager::InstallIdleHook()); // once is enough
+    CountingTimer timer;
+    ASSERT_TRUE(timer.StartTimer(20, false, false));
+    runLoop(3000, [&] { return timer.count >= 3; });
+    EXPECT_GE(timer.count, 3);
+    EXPECT_TRUE(timer.IsTimerActive());
+    EXPECT_TRUE(timer.StopTimer());
+    EXPECT_FALSE(timer.IsTimerActive());
+    int const stoppedAt = timer.count;
+    runLoop(60);
+    EXPECT_EQ(timer.count, stoppedAt);
 }
 
 TEST_F(Timers, StopWhilePostedNeverNotifies)
