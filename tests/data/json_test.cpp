@@ -45,24 +45,17 @@ struct Opaque
 
 TEST(UT_JsonParse, LenientCommasAndScalarTypes)
 {
-    QVariant const object = parsed(u",,{ ,\"a\" : 1,, }"_qs.mid(2));
-    ASSERT_EQ(object.typeId(), QMetaType::QVariantMap);
-    QVariantMap const map = object.toMap();
-    ASSERT_EQ(map.size(), 1);
+    QVariantMap const map = parsed(u",,{ ,\"a\" : 1,, }"_qs.mid(2)).toMap();
+    EXPECT_EQ(map, (QVariantMap{{"a", 1u}}));
     EXPECT_EQ(map["a"].typeId(), QMetaType::UInt);
-    EXPECT_EQ(map["a"].toUInt(), 1u);
-
     QVariantList const list = parsed(u"[1, -2, 3.5, \"x\", true, null false]"_qs).toList();
-    ASSERT_EQ(list.size(), 7);
-    EXPECT_EQ(list[0].typeId(), QMetaType::UInt);
-    EXPECT_EQ(list[1].typeId(), QMetaType::Int);
-    EXPECT_EQ(list[1].toInt(), -2);
-    EXPECT_EQ(list[2].typeId(), QMetaType::Double);
-    EXPECT_EQ(list[2].toDouble(), 3.5);
-    EXPECT_EQ(list[3], QVariant(u"x"_qs));
-    EXPECT_EQ(list[4], QVariant(true));
-    EXPECT_FALSE(list[5].isValid());
-    EXPECT_EQ(list[6], QVariant(false)); // the comma is optional
+    EXPECT_EQ(list, (QVariantList{1u, -2, 3.5, u"x"_qs, true, QVariant(), false})); // ',' optional
+    QList<int> types;
+    for (QVariant const& v : list)
+        types << v.typeId();
+    EXPECT_EQ(types,
+              (QList<int>{QMetaType::UInt, QMetaType::Int, QMetaType::Double, QMetaType::QString,
+                          QMetaType::Bool, QMetaType::UnknownType, QMetaType::Bool}));
 
     // A later key replaces the earlier one; text after the value is ignored.
     EXPECT_EQ(parsed(u"{\"k\":1,\"k\":[2]} trailing ]]"_qs).toMap()["k"].toList().size(), 1);
@@ -72,29 +65,24 @@ TEST(UT_JsonParse, LenientCommasAndScalarTypes)
 
 TEST(UT_JsonParse, NumberTypes)
 {
-    struct Case
-    {
-        char16_t const* text;
-        int type;
-    };
-    for (Case const c :
-         {Case{u"4294967295", QMetaType::UInt}, Case{u"4294967296", QMetaType::ULongLong},
-          Case{u"18446744073709551615", QMetaType::ULongLong},
-          Case{u"18446744073709551616", QMetaType::QString}, Case{u"-2147483648", QMetaType::Int},
-          Case{u"-2147483649", QMetaType::LongLong},
-          Case{u"-9223372036854775808", QMetaType::LongLong},
-          Case{u"-9223372036854775809", QMetaType::QString}, Case{u"1e5", QMetaType::QString},
-          Case{u"1-2", QMetaType::QString}, Case{u"-", QMetaType::QString},
-          Case{u"1.5e3", QMetaType::Double}, Case{u"-0.0", QMetaType::Double}}) {
-        QString const text = QString::fromUtf16(c.text);
-        QVariant const v = parsed(text);
-        EXPECT_EQ(v.typeId(), c.type) << text.toStdString();
-        if (c.type != QMetaType::Double) {
-            EXPECT_EQ(v.toString(), text);
-        }
+    // Integers take the smallest of uint, int, 64-bit types that holds them;
+    // other malformed or exponent numbers are kept as their text (intended).
+    QStringList const texts =
+        QStringLiteral("4294967295 4294967296 18446744073709551615 18446744073709551616 "
+                       "-2147483648 -2147483649 -9223372036854775808 -9223372036854775809 "
+                       "1e5 1-2 - 1.5e3 -0.0")
+            .split(u' ');
+    ASSERT_EQ(texts.size(), 13);
+    using T = QMetaType;
+    QList<int> const types = {T::UInt,     T::ULongLong, T::ULongLong, T::QString, T::Int,
+                              T::LongLong, T::LongLong,  T::QString,   T::QString, T::QString,
+                              T::QString,  T::Double,    T::Double};
+    for (qsizetype i = 0; i < texts.size(); ++i) {
+        QVariant const v = parsed(texts[i]);
+        EXPECT_EQ(v.typeId(), types[i]) << texts[i].toStdString();
+        EXPECT_TRUE(types[i] == T::Double || v.toString() == texts[i]) << texts[i].toStdString();
     }
     EXPECT_EQ(parsed(u"-5000000000"_qs).toLongLong(), -5000000000LL);
-    EXPECT_EQ(parsed(u"-2147483648"_qs).toInt(), std::numeric_limits<int>::min());
     EXPECT_EQ(parsed(u"1.5e3"_qs).toDouble(), 1500.0);
     EXPECT_EQ(parsed(u"1.2.3"_qs).toDouble(), 0.0); // malformed with a point: 0
     EXPECT_TRUE(std::isinf(parsed(u"1.0e999"_qs).toDouble()));
@@ -134,10 +122,6 @@ TEST(UT_JsonParse, Strings)
         text += u"\""_qs + words.last() + u"\","_qs;
     }
     EXPECT_EQ(parsed(text + u"]"_qs), QVariant(words).toList());
-
-    for (char16_t const* bad : {u"\"abc", u"\"\\u12\"", u"\"\\u12", u"\"\\uzzzz\"", u"\"\\x\"",
-                                u"\"\\", u"[\"a\" \"b", u"{\"a\" 1}", u"{1 : 2}", u"{\"a\":}"})
-        expectFailure(QString::fromUtf16(bad));
 }
 
 TEST(UT_JsonParse, FailuresAndNesting)
@@ -146,8 +130,11 @@ TEST(UT_JsonParse, FailuresAndNesting)
     EXPECT_FALSE(UT_Json::parse(QString(), ok).isValid());
     EXPECT_TRUE(ok); // a null text is not an error
 
-    for (char16_t const* bad : {u"", u"  ", u"[", u"[1,", u"{\"a\":1", u"tru", u"nul", u"x", u"+1",
-                                u"]", u"[1}", u"{\"a\":1]", u"[:]"})
+    for (char16_t const* bad :
+         {u"",     u"  ",         u"[",         u"[1,",     u"{\"a\":1",    u"tru",
+          u"nul",  u"x",          u"+1",        u"]",       u"[1}",         u"{\"a\":1]",
+          u"[:]",  u"\"abc",      u"\"\\u12\"", u"\"\\u12", u"\"\\uzzzz\"", u"\"\\x\"",
+          u"\"\\", u"[\"a\" \"b", u"{\"a\" 1}", u"{1 : 2}", u"{\"a\":}"})
         expectFailure(QString::fromUtf16(bad));
 
     qsizetype stop = -1;
@@ -169,22 +156,16 @@ TEST(UT_JsonParse, FailuresAndNesting)
 
 TEST(UT_JsonSerialize, Layout)
 {
-    QVariantMap map;
-    map["b"] = QVariantList{true};
-    map["a"] = 1;
-    EXPECT_EQ(written(map), "{ \"a\" : 1, \"b\" : [ true ] }");
-    EXPECT_EQ(written(QVariantList()), "[  ]");
-    EXPECT_EQ(written(QVariantMap()), "{  }");
-    EXPECT_EQ(written(QVariantHash{{"k", QVariant()}}), "{ \"k\" : null }");
-    EXPECT_EQ(written(QStringList{"x", "y"}), "[ \"x\", \"y\" ]");
+    EXPECT_EQ(written(QVariantMap{{"b", QVariantList{true}}, {"a", 1}}),
+              "{ \"a\" : 1, \"b\" : [ true ] }");
+    QVariantList values;
+    values << QVariant(QVariantList()) << QVariantMap() << QVariantHash{{"k", QVariant()}}
+           << QStringList{"x", "y"} << QVariant() << false << std::numeric_limits<qulonglong>::max()
+           << std::numeric_limits<qlonglong>::min() << QVariant::fromValue<short>(-7) << QChar(u'A')
+           << QByteArray("b\"y");
+    EXPECT_EQ(written(values), "[ [  ], {  }, { \"k\" : null }, [ \"x\", \"y\" ], null, false, "
+                               "18446744073709551615, -9223372036854775808, -7, 65, \"b\\\"y\" ]");
     EXPECT_EQ(written(QVariant()), "null");
-    EXPECT_EQ(written(false), "false");
-    EXPECT_EQ(written(std::numeric_limits<qulonglong>::max()), "18446744073709551615");
-    EXPECT_EQ(written(std::numeric_limits<qlonglong>::min()), "-9223372036854775808");
-    EXPECT_EQ(written(QVariant::fromValue<short>(-7)), "-7");
-    EXPECT_EQ(written(QVariant(QChar(u'A'))), "65");
-    EXPECT_EQ(written(QByteArray("b\"y")), "\"b\\\"y\"");
-
     EXPECT_EQ(UT_Json::serializeStr(QVariantList{u"é"_qs, 2}), u"[ \"é\", 2 ]"_qs);
 }
 
@@ -192,13 +173,11 @@ TEST(UT_JsonSerialize, Doubles)
 {
     EXPECT_EQ(written(2.0), "2.0");
     EXPECT_EQ(written(3.5), "3.5");
+    EXPECT_EQ(written(-0.0), "-0.0"); // integral values keep a ".0", others are %g
     EXPECT_EQ(written(1e20), "1e+20");
-    EXPECT_EQ(written(1.23456789), "1.23457");
-    EXPECT_EQ(written(123456789.0), "1.23457e+08");
-    EXPECT_EQ(written(0.0001), "0.0001");
-    EXPECT_EQ(written(-0.0), "-0.0");
     char expected[64];
-    for (double d : {1e-5, 999999.5, 1234567.0, 0.1, 1.0 / 3, -2.5e-300}) {
+    for (double d :
+         {1.23456789, 123456789.0, 0.0001, 1e-5, 999999.5, 1234567.0, 0.1, 1.0 / 3, -2.5e-300}) {
         std::snprintf(expected, sizeof expected, "%g", d);
         EXPECT_EQ(written(d), QByteArray(expected)) << d;
     }
@@ -230,10 +209,8 @@ TEST(UT_JsonSerialize, DatesAndOtherTypes)
     EXPECT_EQ(written(dt), "\"" + dt.toString().toUtf8() + "\"");
 
     UT_Json::setDateFormat(u"yyyy/MM/dd"_qs);
-    EXPECT_EQ(UT_Json::getDateFormat(), u"yyyy/MM/dd"_qs);
     EXPECT_EQ(written(date), "\"" + date.toString().toUtf8() + "\""); // needs the date-time format
     UT_Json::setDateTimeFormat(u"yyyy-MM-ddTHH:mm"_qs);
-    EXPECT_EQ(UT_Json::getDateTimeFormat(), u"yyyy-MM-ddTHH:mm"_qs);
     EXPECT_EQ(written(date), "\"2024/03/09\"");
     EXPECT_EQ(written(dt), "\"2024-03-09T08:07\"");
     UT_Json::setDateFormat({});

@@ -2,59 +2,49 @@
 
 #include <gtest/gtest.h>
 
-namespace {
+#include <limits>
+#include <string>
+#include <tuple>
 
-std::u16string label(int frame)
-{
-    UT_String out(u"old");
-    UT_TimeUnits::GetInstance()->GetFrameLabel(frame, out);
-    return out;
-}
+using namespace std::string_literals;
 
-} // namespace
-
-TEST(UT_TimeUnits, PlainFrames)
+TEST(UT_TimeUnits, LabelsCellsAndBandsPerSystem)
 {
     UT_TimeUnits* units = UT_TimeUnits::GetInstance();
     ASSERT_EQ(units, UT_TimeUnits::GetInstance());
     EXPECT_EQ(units->GetNumberingSystem(), UT_TimeUnits::Frames);
-    EXPECT_EQ(label(0), u"1");
-    EXPECT_EQ(label(99), u"100");
-    EXPECT_EQ(label(-1), u"0");
-    EXPECT_EQ(label(std::numeric_limits<int>::max()), u"2147483648");
-    EXPECT_FALSE(units->ShouldLabelCell(8));
-    EXPECT_TRUE(units->ShouldLabelCell(9));
-    EXPECT_EQ(units->GetCellColorIndex(9), 1);
-    EXPECT_EQ(units->GetCellColorIndex(10), 0);
-    EXPECT_EQ(units->GetNbColors(), 2);
-    EXPECT_EQ(units->GetColorDelta(), 10);
-    EXPECT_EQ(units->GetLabelDelta(), 10);
-}
+    // {label, shows its label, colour index} of a frame; {colours, colour delta, label delta}.
+    auto cell = [&](int frame) {
+        UT_String out(u"old");
+        units->GetFrameLabel(frame, out);
+        return std::tuple(std::u16string(out), units->ShouldLabelCell(frame),
+                          units->GetCellColorIndex(frame));
+    };
+    auto bands = [&] {
+        return std::tuple(units->GetNbColors(), units->GetColorDelta(), units->GetLabelDelta());
+    };
 
-TEST(UT_TimeUnits, GroupsOfSixteen)
-{
-    UT_TimeUnits* units = UT_TimeUnits::GetInstance();
+    EXPECT_EQ(cell(0), std::tuple(u"1"s, false, 0));
+    EXPECT_EQ(cell(8), std::tuple(u"9"s, false, 0));
+    EXPECT_EQ(cell(9), std::tuple(u"10"s, true, 1));
+    EXPECT_EQ(cell(10), std::tuple(u"11"s, false, 0));
+    EXPECT_EQ(cell(-1), std::tuple(u"0"s, true, 1));
+    EXPECT_EQ(cell(std::numeric_limits<int>::max()), std::tuple(u"2147483648"s, false, 0));
+    EXPECT_EQ(bands(), std::tuple(2, 10, 10));
+
     units->SetNumberingSystem(UT_TimeUnits::FramesBy16);
-    EXPECT_EQ(label(0), u"0:1");
-    EXPECT_EQ(label(15), u"1:0");
-    EXPECT_EQ(label(16), u"1:1");
-    EXPECT_EQ(label(-2), u"0:-1"); // truncating division
-    EXPECT_TRUE(units->ShouldLabelCell(15));
-    EXPECT_FALSE(units->ShouldLabelCell(16));
-    for (int f : {0, 7, 16, 23})
-        EXPECT_EQ(units->GetCellColorIndex(f), 1) << f;
-    for (int f : {8, 15, 24})
-        EXPECT_EQ(units->GetCellColorIndex(f), 0) << f;
-    EXPECT_EQ(units->GetNbColors(), 2);
-    EXPECT_EQ(units->GetColorDelta(), 8);
-    EXPECT_EQ(units->GetLabelDelta(), 16);
+    EXPECT_EQ(cell(0), std::tuple(u"0:1"s, false, 1));
+    EXPECT_EQ(cell(7), std::tuple(u"0:8"s, false, 1));
+    EXPECT_EQ(cell(8), std::tuple(u"0:9"s, false, 0));
+    EXPECT_EQ(cell(15), std::tuple(u"1:0"s, true, 0));
+    EXPECT_EQ(cell(16), std::tuple(u"1:1"s, false, 1));
+    EXPECT_EQ(cell(24), std::tuple(u"1:9"s, false, 0));
+    EXPECT_EQ(cell(-2), std::tuple(u"0:-1"s, false, 1)); // truncating division
+    EXPECT_EQ(bands(), std::tuple(2, 8, 16));
 
-    units->SetNumberingSystem(static_cast<UT_TimeUnits::eTimeUnits>(7));
-    EXPECT_EQ(label(15), u"16");
-    EXPECT_FALSE(units->ShouldLabelCell(9));
-    EXPECT_EQ(units->GetCellColorIndex(9), 0);
-    EXPECT_EQ(units->GetNbColors(), 1);
-    EXPECT_EQ(units->GetColorDelta(), 10);
-    EXPECT_EQ(units->GetLabelDelta(), 10);
+    units->SetNumberingSystem(static_cast<UT_TimeUnits::eTimeUnits>(7)); // kept, plain labels
+    EXPECT_EQ(cell(9), std::tuple(u"10"s, false, 0));
+    EXPECT_EQ(cell(15), std::tuple(u"16"s, false, 0));
+    EXPECT_EQ(bands(), std::tuple(1, 10, 10));
     units->SetNumberingSystem(UT_TimeUnits::Frames);
 }

