@@ -68,8 +68,6 @@ TEST(Matrix2x2, ProductsShortCutTheFlag)
     c *= b;
     EXPECT_TRUE(c == a * b);
     EXPECT_EQ(a * Vector2d(1, 1), Vector2d(4, 6));
-    EXPECT_EQ(a.determinant(), -2.0);
-    EXPECT_TRUE(unflagged(1, 2, 2, 4).isSingular());
     expectValues(a.getTranspose(), {1, 3, 2, 4});
     EXPECT_TRUE(unflagged(INFINITY, 0, 0, 1).hasInfinity());
     EXPECT_TRUE(unflagged(1, NAN, 0, 1).hasNan());
@@ -119,13 +117,7 @@ TEST(Matrix2x3, CompositionAppliesTheLeftOperandFirst)
     Matrix2x3 scale = Matrix2x3::CreateScale(Vector2d(2, 2));
     EXPECT_EQ((translate * scale).Transform(Point2d(1, 1)), Point2d(12, 2));
     EXPECT_EQ((scale * translate).Transform(Point2d(1, 1)), Point2d(7, 2));
-    Matrix2x3 m, n = translate;
-    m.Multiply(translate, scale);
-    n *= scale;
-    EXPECT_EQ(m, translate * scale);
-    EXPECT_EQ(n, m);
-    EXPECT_EQ(Point2d(1, 1) * n, Point2d(12, 2));
-    EXPECT_EQ(Vector2d(1, 1) * n, Vector2d(2, 2)); // no translation for vectors
+    EXPECT_EQ(Vector2d(1, 1) * (translate * scale), Vector2d(2, 2)); // no translation for vectors
     Point2d r = Matrix2x3::CreateRotate(M_PI / 2).Transform(Point2d(1, 0));
     EXPECT_NEAR(r.x(), 0, 1e-15);
     EXPECT_NEAR(r.y(), 1, 1e-15);
@@ -192,7 +184,7 @@ TEST(Matrix2x3, OrderIsByStoredBytes)
     EXPECT_EQ(keyed.rbegin()->asArray()[4], 1.5);
 }
 
-TEST(Matrix2x3, BoxesAndFloatPoints)
+TEST(Matrix2x3, Boxes)
 {
     EXPECT_EQ(Matrix2x3().Transform(Box2di(0, 0, 0, 0)), Box2di(0, 0, 1, 1));
     EXPECT_EQ(Matrix2x3::CreateRotate(M_PI / 4).Transform(Box2di(0, 0, 10, 10)),
@@ -206,10 +198,6 @@ TEST(Matrix2x3, BoxesAndFloatPoints)
     EXPECT_EQ(mapped.boundary(0), Constants::Closed);
     // An empty box is mapped from its stored corners.
     EXPECT_FALSE(Matrix2x3().Transform(Box2d()).isEmpty());
-    float x = 0, y = 0;
-    Matrix2x3::CreateTranslate(Vector2d(0.1, 0)).TransformPoint(1.0, 2.0, x, y);
-    EXPECT_EQ(x, float(1.1)); // computed in double, then narrowed
-    EXPECT_EQ(y, 2.0f);
 }
 
 TEST(Matrix2x3, Print)
