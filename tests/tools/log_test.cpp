@@ -11,17 +11,12 @@ namespace {
 // header and with the time stamps replaced by "T".
 QStringList logLines(QByteArray const& out)
 {
-    QString const path = QString::fromUtf8(out).trimmed().section('\n', -1);
-    QFile file(path);
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << path.toStdString();
-    QStringList lines = QString::fromUtf8(file.readAll()).split('\n', Qt::SkipEmptyParts);
-    if (!lines.isEmpty())
-        lines.removeFirst();
+    QFile file(QString::fromUtf8(out).trimmed().section('\n', -1));
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << file.fileName().toStdString();
     static QRegularExpression const time(
         QStringLiteral("\\d{4}-\\d\\d-\\d\\d \\d\\d:\\d\\d:\\d\\d"));
-    for (QString& line : lines)
-        line.replace(time, QStringLiteral("T"));
-    return lines;
+    QString const text = QString::fromUtf8(file.readAll()).replace(time, QStringLiteral("T"));
+    return text.split('\n', Qt::SkipEmptyParts).mid(1);
 }
 
 } // namespace
