@@ -60,10 +60,9 @@ bool referenceInverse(double const* m, double* out)
         scale[r] = 1.0 / big;
     }
     for (int j = 0; j < 4; ++j) {
-        for (int i = 0; i < j; ++i) {
+        for (int i = 0; i < j; ++i)
             for (int k = 0; k < i; ++k)
                 a[i][j] -= a[i][k] * a[k][j];
-        }
         double big = 0;
         int imax = j;
         for (int i = j; i < 4; ++i) {
@@ -74,10 +73,8 @@ bool referenceInverse(double const* m, double* out)
                 imax = i;
             }
         }
-        if (imax != j) {
-            std::swap(a[imax], a[j]);
-            scale[imax] = scale[j];
-        }
+        std::swap(a[imax], a[j]); // a no-op when the pivot row stays
+        scale[imax] = scale[j];
         index[j] = imax;
         if (std::fabs(a[j][j]) < DBL_EPSILON)
             return false;
