@@ -23,12 +23,12 @@ TEST(TUMaths, AngleClampingExcludesTheUpperBoundAndZeroesNonFinite)
     EXPECT_EQ(TUMaths::clampAngleFrom0To360(725.0), 5.0);
     EXPECT_NEAR(TUMaths::clampAngleFrom0To2Pi(-pi / 2), 1.5 * pi, 1e-15);
     EXPECT_EQ(TUMaths::clampAngleFromMinus180To180(-190.0), 170.0);
-    for (double bad : {qnan, inf, -inf}) {
-        EXPECT_EQ(TUMaths::clampAngleFrom0To2Pi(bad), 0.0);
-        EXPECT_EQ(TUMaths::clampAngleFrom0To360(bad), 0.0);
-        EXPECT_EQ(TUMaths::clampAngleFromMinus180To180(bad), 0.0);
-        EXPECT_EQ(TUMaths::clampAngleFromMinusPiToPi(bad), 0.0);
-    }
+    auto const clamps = {&TUMaths::clampAngleFrom0To2Pi, &TUMaths::clampAngleFrom0To360,
+                         &TUMaths::clampAngleFromMinus180To180,
+                         &TUMaths::clampAngleFromMinusPiToPi};
+    for (auto const& clamp : clamps)
+        for (double bad : {qnan, inf, -inf})
+            EXPECT_EQ(clamp(bad), 0.0) << bad << " in clamp " << &clamp - clamps.begin();
 }
 
 TEST(TUMaths, AngleInterpolationTakesTheShortArcButKeepsEndValues)
@@ -43,15 +43,12 @@ TEST(TUMaths, AngleInterpolationTakesTheShortArcButKeepsEndValues)
 
 TEST(TUMaths, Interpolation)
 {
-    EXPECT_EQ(TUMaths::interpolate(1.0, 1e300, 0.1), 0.1);
-    EXPECT_EQ(TUMaths::interpolate(0.5, 2.0, 4.0), 3.0);
+    EXPECT_EQ(TUMaths::interpolate(1.0, 1e300, 0.1), 0.1); // exact at t = 1
     EXPECT_EQ(TUMaths::interpolateInverse(5, 5, 5), 0.0);
-    EXPECT_EQ(TUMaths::interpolateInverse(7, 5, 7), 1.0);
     EXPECT_EQ(TUMaths::interpolateInverse(9, 5, 7), 2.0);
     EXPECT_EQ(TUMaths::interpolateInverse(3, 5, 7), -1.0);
     EXPECT_EQ(TUMaths::clampedInterpolateInverse(9, 5, 7), 1.0);
     EXPECT_EQ(TUMaths::clampedInterpolateInverse(3, 5, 7), 0.0);
-    EXPECT_EQ(TUMaths::clampedInterpolateInverse(6, 5, 7), 0.5);
     EXPECT_EQ(TUMaths::clampedInterpolateInverse(qnan, 5, 7), 0.0);
     EXPECT_EQ(TUMaths::circularInterpolateInverse(350, 340, 20, 360), 0.25);
     EXPECT_EQ(TUMaths::circularInterpolateInverse(10, 340, 20, 360), 0.75);
@@ -65,7 +62,6 @@ TEST(TUMaths, RoundingSaturatesToInt32)
     EXPECT_EQ(TUMaths::iceiling(3e9), INT_MAX);
     EXPECT_EQ(TUMaths::ifloor(-3e9), INT_MIN);
     EXPECT_EQ(TUMaths::ifloor(qnan), INT_MIN);
-    EXPECT_EQ(TUMaths::iceiling(-1.5), -1);
     EXPECT_EQ(TUMaths::round(2.5), 3);
     EXPECT_EQ(TUMaths::round(-2.5), -2);
     EXPECT_EQ(TUMaths::round(2.5f), 3);
@@ -82,7 +78,6 @@ TEST(TUMaths, IntegerFormsWrap)
     EXPECT_EQ(TUMaths::abs(INT_MIN), INT_MIN);
     EXPECT_EQ(TUMaths::length(3, 4), 5);
     EXPECT_EQ(TUMaths::length(65536, 0), 0); // 2^32 wraps to 0
-    EXPECT_EQ(TUMaths::length(-3, 4), 5);
 }
 
 TEST(TUMaths, PowersOfTwo)
@@ -95,29 +90,23 @@ TEST(TUMaths, PowersOfTwo)
         EXPECT_EQ(f(0x80000000u), 0x80000000u);
         EXPECT_EQ(f(0x80000001u), 1u);
     }
-    EXPECT_TRUE(TUMaths::isPowerOfTwo(0));
-    EXPECT_TRUE(TUMaths::isPowerOfTwo(64));
-    EXPECT_FALSE(TUMaths::isPowerOfTwo(6));
+    EXPECT_TRUE(TUMaths::isPowerOfTwo(0)); // intended
 }
 
 TEST(TUMaths, SignsBoundsAndNonFiniteValues)
 {
     EXPECT_EQ(TUMaths::sign(qnan), 1);
     EXPECT_EQ(TUMaths::sign(-0.0), 0);
-    EXPECT_EQ(TUMaths::sign(-3), -1);
     EXPECT_EQ(TUMaths::dmax(qnan, 2.0), 2.0);
     EXPECT_EQ(TUMaths::dmin(qnan, 2.0), 2.0);
     // With lo > hi the two clamps disagree by which bound they test first.
     EXPECT_EQ(TUMaths::clamp(5, 10, 0), 10);
     EXPECT_EQ(TUMaths::clipToRange(5, 10, 0), 0);
-    EXPECT_EQ(TUMaths::clamp(-1.0, 0.0, 1.0), 0.0);
     EXPECT_TRUE(TUMaths::between(1.0, 1.0, 2.0));
     EXPECT_EQ(TUMaths::removeNanOrInfinity(-inf), -1.7976931348623157e308);
     EXPECT_EQ(TUMaths::removeNanOrInfinity(qnan), 0.0);
     EXPECT_EQ(TUMaths::removeNanOrInfinity(std::numeric_limits<float>::infinity()), 3.4028235e38f);
-    EXPECT_TRUE(TUMaths::isNanOrInfinity(-inf));
-    EXPECT_FALSE(TUMaths::isInfinity(qnan));
-    EXPECT_EQ(TUMaths::epsilon(), 1e-7);
+    // Computed through the reciprocal of ln 2, bit for bit.
     EXPECT_EQ(TUMaths::log2(8.0), std::log(8.0) * (1.0 / std::log(2.0)));
 }
 

@@ -1,50 +1,34 @@
 // brindle backup / brindle restore
-#include "TestSupport.h"
-
-#include <QtCore/QFile>
-#include <QtCore/QTemporaryDir>
-
-#include <gtest/gtest.h>
+#include "Tool.h"
 
 #include "../files/FileContents.h"
 
-using brindle_test::runProgram;
-using brindle_test::toolPath;
-
+using namespace tools_test;
 using files_test::readFile;
-using files_test::writeFile;
 
 TEST(BrindleBackup, BackupThenRestore)
 {
     QTemporaryDir dir;
-    QString const file = dir.path() + "/scene.xstage";
-    writeFile(file, "v1");
-    QByteArray out, err;
-    ASSERT_EQ(runProgram(toolPath(), {"backup", file}, &out, &err), 0) << err.constData();
-    EXPECT_EQ(out, file.toUtf8() + "~\n");
+    QString const file = writeFile(dir, "scene.xstage", "v1");
+    EXPECT_EQ(ok({"backup", file}).out, file.toUtf8() + "~\n");
     EXPECT_EQ(readFile(file), "v1") << "the file stays in place";
     EXPECT_EQ(readFile(file + "~"), "v1");
 
-    writeFile(file, "v2");
-    EXPECT_EQ(runProgram(toolPath(), {"restore", file}, &out, &err), 1);
-    EXPECT_TRUE(err.contains("exists (use --overwrite"));
+    writeFile(dir, "scene.xstage", "v2");
+    expectFailures({{{"restore", file}, 1, "exists (use --overwrite"}});
     EXPECT_EQ(readFile(file), "v2");
-    EXPECT_EQ(runProgram(toolPath(), {"restore", file, "--overwrite"}, &out, &err), 0);
+    ok({"restore", file, "--overwrite"});
     EXPECT_EQ(readFile(file), "v1");
-
     QFile::remove(file);
-    EXPECT_EQ(runProgram(toolPath(), {"restore", file}, &out, &err), 0);
+    ok({"restore", file});
     EXPECT_EQ(readFile(file), "v1");
 }
 
 TEST(BrindleBackup, BadInput)
 {
     QTemporaryDir dir;
-    QByteArray out, err;
-    EXPECT_EQ(runProgram(toolPath(), {"backup", dir.path() + "/missing"}, &out, &err), 1);
-    EXPECT_TRUE(err.contains("is not a file"));
-    EXPECT_EQ(runProgram(toolPath(), {"restore", dir.path() + "/missing"}, &out, &err), 1);
-    EXPECT_TRUE(err.contains("has no backup"));
-    EXPECT_EQ(runProgram(toolPath(), {"backup"}, &out, &err), 2);
-    EXPECT_EQ(runProgram(toolPath(), {"restore", "a", "b"}, &out, &err), 2);
+    expectFailures({{{"backup", dir.path() + "/missing"}, 1, "is not a file"},
+                    {{"restore", dir.path() + "/missing"}, 1, "has no backup"},
+                    {{"backup"}, 2},
+                    {{"restore", "a", "b"}, 2}});
 }

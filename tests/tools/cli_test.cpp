@@ -1,17 +1,10 @@
 // The brindle tool's common behaviour: command list, help and usage errors.
-#include "TestSupport.h"
+#include "Tool.h"
 
-#include <gtest/gtest.h>
-
-using brindle_test::runProgram;
-using brindle_test::toolPath;
+using namespace tools_test;
 
 TEST(BrindleTool, ListsCommandsAndRejectsUnknownOnes)
 {
-    QByteArray out, err;
-    EXPECT_EQ(runProgram(toolPath(), {"--help"}, &out, &err), 0);
-    EXPECT_TRUE(out.contains("usage: brindle COMMAND"));
-    EXPECT_EQ(runProgram(toolPath(), {}, &out, &err), 2);
-    EXPECT_EQ(runProgram(toolPath(), {"no-such-command"}, &out, &err), 2);
-    EXPECT_TRUE(err.contains("unknown command 'no-such-command'"));
+    EXPECT_TRUE(ok({"--help"}).out.contains("usage: brindle COMMAND"));
+    expectFailures({{{}, 2}, {{"no-such-command"}, 2, "unknown command 'no-such-command'"}});
 }

@@ -1,15 +1,9 @@
 // brindle log: action lines, and a command bracketed by a scope.
-#include "TestSupport.h"
+#include "Tool.h"
 
-#include <QtCore/QDir>
-#include <QtCore/QFile>
 #include <QtCore/QRegularExpression>
-#include <QtCore/QTemporaryDir>
 
-#include <gtest/gtest.h>
-
-using brindle_test::runProgram;
-using brindle_test::toolPath;
+using namespace tools_test;
 
 namespace {
 
@@ -17,17 +11,12 @@ namespace {
 // header and with the time stamps replaced by "T".
 QStringList logLines(QByteArray const& out)
 {
-    QString const path = QString::fromUtf8(out).trimmed().section('\n', -1);
-    QFile file(path);
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << path.toStdString();
-    QStringList lines = QString::fromUtf8(file.readAll()).split('\n', Qt::SkipEmptyParts);
-    if (!lines.isEmpty())
-        lines.removeFirst();
+    QFile file(QString::fromUtf8(out).trimmed().section('\n', -1));
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << file.fileName().toStdString();
     static QRegularExpression const time(
         QStringLiteral("\\d{4}-\\d\\d-\\d\\d \\d\\d:\\d\\d:\\d\\d"));
-    for (QString& line : lines)
-        line.replace(time, QStringLiteral("T"));
-    return lines;
+    QString const text = QString::fromUtf8(file.readAll()).replace(time, QStringLiteral("T"));
+    return text.split('\n', Qt::SkipEmptyParts).mid(1);
 }
 
 } // namespace
@@ -35,47 +24,33 @@ QStringList logLines(QByteArray const& out)
 TEST(LogCommand, WritesOneActionLinePerArgument)
 {
     QTemporaryDir dir;
-    QByteArray out, err;
-    ASSERT_EQ(runProgram(toolPath(), {"log", dir.path() + "/logs", "Open a.xml", "-x", "Save"},
-                         &out, &err),
-              0)
-        << err.constData();
-    EXPECT_EQ(logLines(out), QStringList({"T;ACTION;Open a.xml", "T;ACTION;-x", "T;ACTION;Save"}));
+    EXPECT_EQ(logLines(ok({"log", dir.path() + "/logs", "Open a.xml", "-x", "Save"}).out),
+              QStringList({"T;ACTION;Open a.xml", "T;ACTION;-x", "T;ACTION;Save"}));
 }
 
 TEST(LogCommand, ScopeBracketsTheCommandAndReportsItsFailure)
 {
-    QTemporaryDir dir;
-    QByteArray out, err;
-    ASSERT_EQ(runProgram(toolPath(),
-                         {"log", "--scope", "Export", dir.path(), "--", "sh", "-c", "echo hi"},
-                         &out, &err),
-              0)
-        << err.constData();
-    EXPECT_TRUE(out.startsWith("hi\n"));
-    EXPECT_EQ(logLines(out), QStringList({"T;ACTION;Start Export", "  T;ACTION;Run sh -c echo hi",
-                                          "  T;ACTION;Exit status 0", "T;ACTION;End Export"}));
+    QTemporaryDir dir, other;
+    Result r = ok({"log", "--scope", "Export", dir.path(), "--", "sh", "-c", "echo hi"});
+    EXPECT_TRUE(r.out.startsWith("hi\n"));
+    EXPECT_EQ(logLines(r.out), QStringList({"T;ACTION;Start Export", "  T;ACTION;Run sh -c echo hi",
+                                            "  T;ACTION;Exit status 0", "T;ACTION;End Export"}));
 
-    QTemporaryDir other;
-    EXPECT_EQ(runProgram(toolPath(),
-                         {"log", "--scope", "Bad", other.path(), "--", "sh", "-c", "exit 3"}, &out,
-                         &err),
-              1);
-    EXPECT_TRUE(err.contains("brindle log: 'sh' exited with status 3")) << err.constData();
-    EXPECT_EQ(logLines(out).last(), "T;ACTION;End Bad");
+    r = brindle({"log", "--scope", "Bad", other.path(), "--", "sh", "-c", "exit 3"});
+    EXPECT_EQ(r.status, 1);
+    EXPECT_TRUE(r.err.contains("brindle log: 'sh' exited with status 3")) << r.err.constData();
+    EXPECT_EQ(logLines(r.out).last(), "T;ACTION;End Bad");
 }
 
 TEST(LogCommand, BadInputIsReportedNotCrashedOn)
 {
     QTemporaryDir dir;
-    QByteArray out, err;
-    EXPECT_EQ(runProgram(toolPath(), {"log"}, &out, &err), 2);
-    EXPECT_EQ(runProgram(toolPath(), {"log", dir.path()}, &out, &err), 2);
-    EXPECT_EQ(runProgram(toolPath(), {"log", "--scope", "S", dir.path(), "--"}, &out, &err), 2);
-    EXPECT_TRUE(err.contains("missing the command")) << err.constData();
-    EXPECT_EQ(runProgram(toolPath(), {"log", dir.path() + "/a/b", "x"}, &out, &err), 1);
-    EXPECT_TRUE(err.startsWith("brindle log: cannot create a log file in")) << err.constData();
-    EXPECT_EQ(runProgram(toolPath(), {"log", "--scope", "S", dir.path(), "--", "/no/such/program"},
-                         &out, &err),
-              1);
+    QString const d = dir.path();
+    expectFailures({
+        {{"log"}, 2},
+        {{"log", d}, 2},
+        {{"log", "--scope", "S", d, "--"}, 2, "missing the command"},
+        {{"log", d + "/a/b", "x"}, 1, "brindle log: cannot create a log file in"},
+        {{"log", "--scope", "S", d, "--", "/no/such/program"}, 1},
+    });
 }

@@ -1,41 +1,27 @@
 // brindle path
-#include "TestSupport.h"
+#include "Tool.h"
 
-#include <QtCore/QFile>
-#include <QtCore/QTemporaryDir>
-
-#include <gtest/gtest.h>
-
-using brindle_test::runProgram;
-using brindle_test::toolPath;
+using namespace tools_test;
 
 TEST(BrindlePath, DescribesEachPathInABlock)
 {
     QTemporaryDir dir;
-    QFile(dir.path() + "/shot.xstage.gz").open(QIODevice::WriteOnly);
-    QByteArray out, err;
-    EXPECT_EQ(runProgram(toolPath(),
-                         {"path", dir.path() + "/shot.xstage.gz", "C:\\work\\a?.tga", "--rel",
-                          dir.path() + "/sub"},
-                         &out, &err),
-              0)
-        << err.constData();
-    EXPECT_TRUE(out.contains("file name:  shot.xstage.gz\n"));
-    EXPECT_TRUE(out.contains("base name:  shot.xstage\n"));
-    EXPECT_TRUE(out.contains("extensions: xstage.gz\n"));
-    EXPECT_TRUE(out.contains("compressed: gz (inner extension: xstage)\n"));
-    EXPECT_TRUE(out.contains("exists:     yes (file, 0 bytes)\n"));
-    EXPECT_TRUE(out.contains("relative:   ../shot.xstage.gz\n"));
-    EXPECT_TRUE(
-        out.contains("\n\npath:       C:/work/a_.tga\ndrive:      C:\nfolder:     /work/\n"));
-    EXPECT_TRUE(out.contains("exists:     no\n"));
+    QString const file = writeFile(dir, "shot.xstage.gz", "");
+    Result const r = ok({"path", file, "C:\\work\\a?.tga", "--rel", dir.path() + "/sub"});
+    for (char const* line :
+         {"file name:  shot.xstage.gz\n", "base name:  shot.xstage\n", "extensions: xstage.gz\n",
+          "compressed: gz (inner extension: xstage)\n", "exists:     yes (file, 0 bytes)\n",
+          "relative:   ../shot.xstage.gz\n",
+          "\n\npath:       C:/work/a_.tga\ndrive:      C:\nfolder:     /work/\n",
+          "exists:     no\n"})
+        EXPECT_TRUE(r.out.contains(line)) << line;
 }
 
 TEST(BrindlePath, BadInput)
 {
-    QByteArray out, err;
-    EXPECT_EQ(runProgram(toolPath(), {"path", "1:/x/y.txt", "/ok"}, &out, &err), 1);
-    EXPECT_TRUE(err.contains("brindle path: '1:/x/y.txt' has an invalid drive"));
-    EXPECT_TRUE(out.contains("path:       /ok\n"));
-    EXPECT_EQ(runProgram(toolPath(), {"path"}, &out, &err), 2);
+    Result const r = brindle({"path", "1:/x/y.txt", "/ok"});
+    EXPECT_EQ(r.status, 1);
+    EXPECT_TRUE(r.err.contains("brindle path: '1:/x/y.txt' has an invalid drive"));
+    EXPECT_TRUE(r.out.contains("path:       /ok\n"));
+    expectFailures({{{"path"}, 2}});
 }
