@@ -6,6 +6,7 @@
 
 #include <QtCore/QCryptographicHash>
 #include <QtCore/QDir>
+#include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 
 #include <cerrno>
@@ -36,10 +37,37 @@ int newSocket(int* fd)
     return *fd < 0 ? errno : 0;
 }
 
-// Whether a server still listens at the address (a refused connection means
-// the file was left behind by a process that is gone).
-bool serverAlive(sockaddr_un const& address)
+// Whether a socket listens at the path, from the kernel's table of Unix
+// sockets: asking by connecting would leave a dead connection in a live
+// server's queue, for its next client to get. Without the table (no /proc),
+// a connection it is.
+bool serverAlive(QByteArray const& path, sockaddr_un const& address)
 {
+    QFile table(QStringLiteral("/proc/net/unix"));
+    if (table.open(QIODevice::ReadOnly)) {
+        // "Num RefCount Protocol Flags Type St Inode Path"; flag 0x10000 marks a
+        // listening socket.
+        table.readLine();
+        while (!table.atEnd()) {
+            QByteArray line = table.readLine();
+            if (line.endsWith('\n'))
+                line.chop(1);
+            // Seven fields padded with spaces, one space, then the path (which
+            // may hold spaces itself).
+            QByteArray fields[7];
+            qsizetype at = 0;
+            for (QByteArray& field : fields) {
+                while (at < line.size() && line[at] == ' ')
+                    ++at;
+                qsizetype const end = line.indexOf(' ', at);
+                field = line.mid(at, end < 0 ? -1 : end - at);
+                at = end < 0 ? line.size() : end;
+            }
+            if (line.mid(at + 1) == path && (fields[3].toUInt(nullptr, 16) & 0x10000u) != 0)
+                return true;
+        }
+        return false;
+    }
     int probe = -1;
     if (newSocket(&probe) != 0)
         return true;
@@ -98,7 +126,7 @@ int listenAt(QByteArray const& path, int* fd)
         return error;
     auto const* sa = reinterpret_cast<sockaddr const*>(&address);
     int r = ::bind(*fd, sa, sizeof address);
-    if (r != 0 && errno == EADDRINUSE && !serverAlive(address)) {
+    if (r != 0 && errno == EADDRINUSE && !serverAlive(path, address)) {
         ::unlink(path.constData());
         r = ::bind(*fd, sa, sizeof address);
     }

@@ -7,6 +7,7 @@
 #include <QtCore/QFileInfo>
 
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
 
@@ -90,6 +91,32 @@ TEST(OSW_Pipe, NamedPipeFailuresArePrinted)
     EXPECT_NE(out.find("Failed to open named pipe with error:\n(2) '"), std::string::npos) << out;
     EXPECT_FALSE(second.isOpened());
     EXPECT_FALSE(client.isOpened());
+
+    // The refused second server leaves the first one serving its clients.
+    ASSERT_TRUE(client.openNamedPipe(name, OSW_Pipe::Read));
+    ASSERT_TRUE(first.openNamedPipe(name, OSW_Pipe::Write));
+    EXPECT_TRUE(first.writeData("ok", 2));
+    EXPECT_EQ(readAll(client, 8), QByteArray("ok"));
+}
+
+TEST(OSW_Pipe, NameOfAServerThatDiedIsFreeAgain)
+{
+    PL_FileSpec const name = uniqueName(QStringLiteral("orphan"));
+    pid_t const child = ::fork();
+    if (child == 0) {
+        OSW_Pipe server;
+        ::_exit(server.createNamedPipe(name, OSW_Pipe::Write) ? 0 : 1);
+    }
+    int status = 0;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    ASSERT_EQ(status, 0);
+    ASSERT_EQ(pipeFiles(QString::fromStdU16String(name.GetFilePath())).size(), 1);
+    OSW_Pipe server, client;
+    ASSERT_TRUE(server.createNamedPipe(name, OSW_Pipe::Write));
+    ASSERT_TRUE(client.openNamedPipe(name, OSW_Pipe::Read));
+    ASSERT_TRUE(server.openNamedPipe(name, OSW_Pipe::Write));
+    EXPECT_TRUE(server.writeData("ok", 2));
+    EXPECT_EQ(readAll(client, 8), QByteArray("ok"));
 }
 
 TEST(OSW_Pipe, NamesWithSlashesAndLongNamesWork)
