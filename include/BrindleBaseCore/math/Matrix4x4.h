@@ -147,6 +147,8 @@ public:
     }
     /// this = this × b (the same as operator*=).
     void multiply(Matrix4x4 const& b) { *this *= b; }
+    /// this × b; with a flagged identity on either side, a copy of the other
+    /// (flagged only when both are).
     Matrix4x4 operator*(Matrix4x4 const& b) const
     {
         // One named result on every path, so that it is built in place; with
