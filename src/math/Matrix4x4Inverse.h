@@ -49,9 +49,9 @@ struct Decomposition
 //
 // The pivot is found by a key per row: its merit with the two lowest bits
 // replaced by its lane. Merits are never negative, so keys order as the
-// merits cut to 50 bits do, equal ones by lane, and the greatest key is also
-// the index that moves the pivot's lane to all lanes. Rows whose exact merit
-// would make another choice are flagged in doubt.
+// merits without those two bits do, equal ones by lane, and the greatest key
+// is also the index that moves the pivot's lane to all lanes. Rows whose
+// exact merit would make another choice are flagged in doubt.
 template <class Lanes, int J>
 inline void eliminate(Decomposition<Lanes>& s)
 {
