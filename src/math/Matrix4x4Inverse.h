@@ -7,6 +7,9 @@
 // masks and the moves of one lane to all lanes.
 #pragma once
 
+// Every loop below runs over the four lanes or rows and is unrolled even at
+// -O2: the values must stay in registers, not in an indexed array.
+
 #include "Matrix4x4Kernels.h"
 
 #include <cfloat>
@@ -53,7 +56,7 @@ struct Decomposition
 // is also the index that moves the pivot's lane to all lanes. Rows whose
 // exact merit would make another choice are flagged in doubt.
 template <class Lanes, int J>
-inline void eliminate(Decomposition<Lanes>& s)
+[[gnu::always_inline]] inline void eliminate(Decomposition<Lanes>& s)
 {
     using Mask = typename Lanes::Mask;
     __m256d col = s.column[J];
@@ -82,9 +85,11 @@ inline void eliminate(Decomposition<Lanes>& s)
     __m256d inverse = Lanes::lane(quotients, idx);
     s.lu[J][J] = Lanes::lane(col, idx);
     __m256d multipliers = _mm256_mul_pd(col, inverse);
+#pragma GCC unroll 4
     for (int j = 0; j < J; ++j)
         s.lu[J][j] = Lanes::lane(s.column[j], idx);
     s.column[J] = multipliers;
+#pragma GCC unroll 4
     for (int k = J + 1; k < 4; ++k) {
         __m256d u = Lanes::lane(s.column[k], idx);
         s.lu[J][k] = u;
@@ -95,13 +100,14 @@ inline void eliminate(Decomposition<Lanes>& s)
 // The last step has one row left: lane 0 + 1 + 2 + 3 less the lanes picked,
 // in the low two bits.
 template <class Lanes>
-inline void eliminateLast(Decomposition<Lanes>& s)
+[[gnu::always_inline]] inline void eliminateLast(Decomposition<Lanes>& s)
 {
     __m256i p = _mm256_sub_epi64(_mm256_set1_epi64x(6), s.key[0]);
     p = _mm256_sub_epi64(_mm256_sub_epi64(p, s.key[1]), s.key[2]);
     __m256i idx = Lanes::index(p);
     s.pick[3] = Lanes::lastPick(s.pick, p);
     s.lu[3][3] = Lanes::lane(s.column[3], idx);
+#pragma GCC unroll 4
     for (int j = 0; j < 3; ++j)
         s.lu[3][j] = Lanes::lane(s.column[j], idx);
 }
@@ -110,6 +116,7 @@ template <class Lanes>
 [[gnu::always_inline]] inline InverseResult invert(double const* m, double* out)
 {
     Decomposition<Lanes> s;
+#pragma GCC unroll 4
     for (int k = 0; k < 4; ++k)
         s.column[k] = _mm256_loadu_pd(m + 4 * k);
     __m256d big = Lanes::greaterMagnitude(Lanes::greaterMagnitude(s.column[0], s.column[1]),
@@ -123,14 +130,18 @@ template <class Lanes>
     // Row i of x holds entry i of the four solutions, starting as the unit
     // vector of the row picked at step i.
     __m256d x[4];
+#pragma GCC unroll 4
     for (int i = 0; i < 4; ++i) {
         x[i] = Lanes::unit(s.pick[i]);
         if (i > 0)
             x[i] = Lanes::subtractFirst(x[i], s.lu[i][0], x[0], s.pick[0]);
+#pragma GCC unroll 4
         for (int j = 1; j < i; ++j)
             x[i] = _mm256_sub_pd(x[i], _mm256_mul_pd(s.lu[i][j], x[j]));
     }
+#pragma GCC unroll 4
     for (int i = 3; i >= 0; --i) {
+#pragma GCC unroll 4
         for (int j = i + 1; j < 4; ++j)
             x[i] = _mm256_sub_pd(x[i], _mm256_mul_pd(s.lu[i][j], x[j]));
         x[i] = _mm256_div_pd(x[i], s.lu[i][i]);
