@@ -34,6 +34,16 @@ QStringList pipeFiles(QString const& text)
         .entryList({QLatin1Char('*') + text + QLatin1Char('*')}, QDir::System | QDir::Files);
 }
 
+// A client connects to the created pipe, the server takes it and sends "ok".
+void expectServes(OSW_Pipe& server, PL_FileSpec const& name)
+{
+    OSW_Pipe client;
+    ASSERT_TRUE(client.openNamedPipe(name, OSW_Pipe::Read));
+    ASSERT_TRUE(server.openNamedPipe(name, OSW_Pipe::Write));
+    EXPECT_TRUE(server.writeData("ok", 2));
+    EXPECT_EQ(readAll(client, 8), QByteArray("ok"));
+}
+
 } // namespace
 
 TEST(OSW_Pipe, NamedPipeServerAndClient)
@@ -93,10 +103,7 @@ TEST(OSW_Pipe, NamedPipeFailuresArePrinted)
     EXPECT_FALSE(client.isOpened());
 
     // The refused second server leaves the first one serving its clients.
-    ASSERT_TRUE(client.openNamedPipe(name, OSW_Pipe::Read));
-    ASSERT_TRUE(first.openNamedPipe(name, OSW_Pipe::Write));
-    EXPECT_TRUE(first.writeData("ok", 2));
-    EXPECT_EQ(readAll(client, 8), QByteArray("ok"));
+    expectServes(first, name);
 }
 
 TEST(OSW_Pipe, NameOfAServerThatDiedIsFreeAgain)
@@ -111,23 +118,17 @@ TEST(OSW_Pipe, NameOfAServerThatDiedIsFreeAgain)
     ASSERT_EQ(::waitpid(child, &status, 0), child);
     ASSERT_EQ(status, 0);
     ASSERT_EQ(pipeFiles(QString::fromStdU16String(name.GetFilePath())).size(), 1);
-    OSW_Pipe server, client;
+    OSW_Pipe server;
     ASSERT_TRUE(server.createNamedPipe(name, OSW_Pipe::Write));
-    ASSERT_TRUE(client.openNamedPipe(name, OSW_Pipe::Read));
-    ASSERT_TRUE(server.openNamedPipe(name, OSW_Pipe::Write));
-    EXPECT_TRUE(server.writeData("ok", 2));
-    EXPECT_EQ(readAll(client, 8), QByteArray("ok"));
+    expectServes(server, name);
 }
 
 TEST(OSW_Pipe, NamesWithSlashesAndLongNamesWork)
 {
     for (QString const& stem : {QStringLiteral("dir/sub%name"), QString(300, QLatin1Char('n'))}) {
         PL_FileSpec const name = uniqueName(stem);
-        OSW_Pipe server, client;
+        OSW_Pipe server;
         ASSERT_TRUE(server.createNamedPipe(name, OSW_Pipe::Write));
-        ASSERT_TRUE(client.openNamedPipe(name, OSW_Pipe::Read));
-        ASSERT_TRUE(server.openNamedPipe(name, OSW_Pipe::Write));
-        EXPECT_TRUE(server.writeData("ok", 2));
-        EXPECT_EQ(readAll(client, 8), QByteArray("ok"));
+        expectServes(server, name);
     }
 }
