@@ -27,6 +27,13 @@ inline __m256i laneNumbers()
     return _mm256_setr_epi64x(0, 1, 2, 3);
 }
 
+// The bits of a key taken from the lane number rather than the merit: the two
+// lowest, and the sign, so that a key orders as the merit's absolute value.
+inline __m256i laneBits()
+{
+    return _mm256_set1_epi64x(static_cast<long long>(0x8000000000000003ull));
+}
+
 // The greatest key in every lane.
 inline __m256i greatest(__m256i key)
 {
@@ -51,10 +58,10 @@ struct Decomposition
 // operations in the same order as in Crout's loops.
 //
 // The pivot is found by a key per row: its merit with the two lowest bits
-// replaced by its lane. Merits are never negative, so keys order as the
-// merits without those two bits do, equal ones by lane, and the greatest key
-// is also the index that moves the pivot's lane to all lanes. Rows whose
-// exact merit would make another choice are flagged in doubt.
+// replaced by its lane and the sign cleared. Keys order as the merits without
+// those two bits do, equal ones by lane, and the greatest key is also the
+// index that moves the pivot's lane to all lanes. Rows whose exact merit
+// would make another choice are flagged in doubt.
 template <class Lanes, int J>
 [[gnu::always_inline]] inline void eliminate(Decomposition<Lanes>& s)
 {
@@ -62,8 +69,11 @@ template <class Lanes, int J>
     __m256d col = s.column[J];
     // The quotients of all candidates start before the pivot is known.
     __m256d quotients = _mm256_div_pd(_mm256_set1_pd(1.0), col);
-    __m256d merit = _mm256_mul_pd(s.scale, absolute(col));
-    __m256i key = Lanes::keyOf(merit);
+    // scale * col: the key clears the sign, so the absolute value is off the
+    // path to the pivot.
+    __m256d signedMerit = _mm256_mul_pd(s.scale, col);
+    __m256i key = Lanes::keyOf(signedMerit);
+    __m256d merit = absolute(signedMerit);
     __m256i best = greatest(key);
     __m256i idx = Lanes::index(best);
     s.key[J] = best;

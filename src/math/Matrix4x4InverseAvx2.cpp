@@ -32,7 +32,7 @@ struct Avx2Lanes
     }
     static __m256i keyOf(__m256d merit)
     {
-        __m256i bits = _mm256_andnot_si256(_mm256_set1_epi64x(3), _mm256_castpd_si256(merit));
+        __m256i bits = _mm256_andnot_si256(VectorInverse::laneBits(), _mm256_castpd_si256(merit));
         return _mm256_or_si256(bits, VectorInverse::laneNumbers());
     }
     static Mask sameKey(__m256i a, __m256i b)

@@ -25,8 +25,8 @@ struct Avx512Lanes
     static __m256d lane(__m256d v, __m256i index) { return _mm256_permutexvar_pd(index, v); }
     static __m256i keyOf(__m256d merit)
     {
-        // Bits of the lane number where the mask 3 is set, of merit elsewhere.
-        return _mm256_ternarylogic_epi64(_mm256_castpd_si256(merit), _mm256_set1_epi64x(3),
+        // Bits of the lane number where laneBits() is set, of merit elsewhere.
+        return _mm256_ternarylogic_epi64(_mm256_castpd_si256(merit), VectorInverse::laneBits(),
                                          VectorInverse::laneNumbers(), 0xB8);
     }
     static Mask sameKey(__m256i a, __m256i b) { return _mm256_cmpeq_epi64_mask(a, b); }
