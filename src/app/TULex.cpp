@@ -15,6 +15,10 @@
 #include <locale.h>
 #include <ostream>
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
 namespace {
 
 // What the token loop does with a character once a token has started.
@@ -72,6 +76,36 @@ constexpr Tables makeTables()
 
 constexpr Tables kTables = makeTables();
 
+// Past the name characters from p on, sixteen at a time while whole blocks
+// lie before end: the first character that ends a name in a block, or the
+// first block that does not fit. The table loop goes on from there.
+unsigned char const* skipNameBlocks(unsigned char const* p, unsigned char const* end)
+{
+#if defined(__SSE2__)
+    // x in [low, low + n) as one signed comparison: the shifted range lands at
+    // the bottom of the signed bytes.
+    auto const inRange = [](__m128i x, char low, int n) {
+        __m128i const shifted = _mm_add_epi8(x, _mm_set1_epi8(char(0x80 - low)));
+        return _mm_cmplt_epi8(shifted, _mm_set1_epi8(char(0x80 + n)));
+    };
+    while (end - p >= 16) {
+        __m128i const x = _mm_loadu_si128(reinterpret_cast<__m128i const*>(p));
+        __m128i name = _mm_or_si128(inRange(_mm_or_si128(x, _mm_set1_epi8(0x20)), 'a', 26),
+                                    inRange(x, '-', 13)); // letters; - . / and digits
+        name = _mm_or_si128(name, _mm_cmplt_epi8(x, _mm_setzero_si128())); // 0x80 and above
+        for (char const c : {'+', '\\', '_', '~'})
+            name = _mm_or_si128(name, _mm_cmpeq_epi8(x, _mm_set1_epi8(c)));
+        unsigned const stops = ~unsigned(_mm_movemask_epi8(name)) & 0xFFFFu;
+        if (stops)
+            return p + __builtin_ctz(stops);
+        p += 16;
+    }
+#else
+    (void)end;
+#endif
+    return p;
+}
+
 // The lexer's numbers never depend on the process's numeric locale.
 locale_t cLocale()
 {
@@ -96,17 +130,17 @@ char const kEmptyText[] = "";
 
 TULex::TULex()
 {
-    reset(kEmptyText, nullptr);
+    reset(kEmptyText, 0, nullptr);
 }
 
 TULex::TULex(QByteArray const& text)
 {
-    reset(text.constData(), nullptr);
+    reset(text.constData(), size_t(text.size()), nullptr);
 }
 
 TULex::TULex(char const* text)
 {
-    reset(text ? text : kEmptyText, nullptr);
+    reset(text ? text : kEmptyText, text ? std::strlen(text) : 0, nullptr);
 }
 
 TULex::~TULex()
@@ -114,7 +148,7 @@ TULex::~TULex()
     delete[] m_ownedBuffer;
 }
 
-void TULex::reset(char const* text, char* owned)
+void TULex::reset(char const* text, size_t length, char* owned)
 {
     if (owned != m_ownedBuffer) {
         delete[] m_ownedBuffer;
@@ -122,8 +156,9 @@ void TULex::reset(char const* text, char* owned)
     }
     m_buffer = text;
     m_cursor = reinterpret_cast<unsigned char const*>(text);
+    m_end = m_cursor + length;
     m_lineNo = 1;
-    m_token.clear();
+    token().clear();
     get();
 }
 
@@ -152,7 +187,7 @@ bool TULex::openFile(QString const& path)
     text[done] = '\0';
     file.close();
     traceOpenFile(QStringLiteral("TULex::openFile - done reading file of %1 bytes").arg(done));
-    reset(text, text);
+    reset(text, size_t(done), text);
     return true;
 }
 
@@ -161,8 +196,8 @@ void TULex::get(bool raw)
     unsigned char const* p = m_cursor;
     for (;;) {
         m_tokenLine = m_lineNo;
-        m_previousToken.swap(m_token);
-        m_token.clear();
+        m_current ^= 1; // the current token becomes the previous one
+        token().clear();
         m_numberCached = false;
 
         for (;;) {
@@ -201,14 +236,14 @@ void TULex::get(bool raw)
         for (;;) {
             while (!kTables.quoteStop[*p])
                 ++p;
-            m_token.append(reinterpret_cast<char const*>(start), size_t(p - start));
+            token().append(reinterpret_cast<char const*>(start), size_t(p - start));
             unsigned char const q = *p;
             if (q == '"') {
                 m_cursor = p + 1;
                 return;
             }
             if (q == '\\' && p[1] != 0) {
-                m_token.push_back(char(p[1]));
+                token().push_back(char(p[1]));
                 p += 2;
             } else if (q == '\r') {
                 ++p;
@@ -224,16 +259,19 @@ void TULex::get(bool raw)
 
     unsigned char const* start = p++;
     if (!raw && !kTables.name[c] && (!m_commaDriven || c == ',')) {
-        m_token.push_back(char(c));
+        token().push_back(char(c));
         m_cursor = p;
         return;
     }
 
     Action const* table = kTables.token[m_commaDriven][raw];
+    bool const names = table == kTables.token[0][0];
     for (;;) {
+        if (names)
+            p = skipNameBlocks(p, m_end);
         while (table[*p] == Append)
             ++p;
-        m_token.append(reinterpret_cast<char const*>(start), size_t(p - start));
+        token().append(reinterpret_cast<char const*>(start), size_t(p - start));
         Action const action = table[*p];
         if (action == SkipReturn) {
             start = ++p;
@@ -253,31 +291,31 @@ void TULex::get(bool raw)
 bool TULex::operator==(char const* text) const
 {
     if (!text)
-        return m_token.empty();
+        return token().empty();
     size_t const n = std::strlen(text);
-    return n == m_token.size() && std::memcmp(text, m_token.data(), n) == 0;
+    return n == token().size() && std::memcmp(text, token().data(), n) == 0;
 }
 
 bool TULex::operator==(QString const& text) const
 {
-    return QLatin1StringView(m_token.data(), qsizetype(m_token.size())) == text;
+    return QLatin1StringView(token().data(), qsizetype(token().size())) == text;
 }
 
 TULex::operator QString() const
 {
-    return QString::fromLatin1(m_token.data(), qsizetype(m_token.size()));
+    return QString::fromLatin1(token().data(), qsizetype(token().size()));
 }
 
 QString TULex::fromUtf8() const
 {
-    return QString::fromUtf8(m_token.data(), qsizetype(m_token.size()));
+    return QString::fromUtf8(token().data(), qsizetype(token().size()));
 }
 
 void TULex::convertNumber() const
 {
     m_numberCached = true;
-    char const* const text = m_token.c_str();
-    char const* const end = text + m_token.size();
+    char const* const text = token().c_str();
+    char const* const end = text + token().size();
     char* stop = nullptr;
     errno = 0;
     long const wide = std::strtol(text, &stop, 10);
@@ -364,9 +402,9 @@ bool TULex::get_double(double& value)
 
 bool TULex::get_bool(bool& value)
 {
-    if (m_token.size() != 1)
+    if (token().size() != 1)
         return false;
-    char const c = m_token[0];
+    char const c = token()[0];
     if (c != 'Y' && c != 'y' && c != 'N' && c != 'n')
         return false;
     value = c == 'Y' || c == 'y';
@@ -377,7 +415,7 @@ bool TULex::get_bool(bool& value)
 bool TULex::parseBool(bool& value)
 {
     if (*this == "Y" || *this == "N") {
-        value = m_token[0] == 'Y';
+        value = token()[0] == 'Y';
         get();
         return true;
     }
@@ -417,7 +455,7 @@ void TULex::syntaxErr(MSG_Text const& message)
 {
     m_errorSeen = true;
     unsigned const line = m_errorRefersToPrevious ? m_tokenLine : m_lineNo;
-    std::string const& token = m_errorRefersToPrevious ? m_previousToken : m_token;
+    std::string const& token = m_tokens[m_errorRefersToPrevious ? m_current ^ 1 : m_current];
     QString const tokenText = QString::fromLatin1(token.data(), qsizetype(token.size()));
     QString const lineText = QString::number(line);
     char const* const format = "Syntax error at line %1:\n%2%3 (%4)";

@@ -61,27 +61,27 @@ public:
     /// stopping at the first character that cannot be part of a name.
     void get(bool raw = false);
     /// Whether the text is exhausted (empty token).
-    bool eof() const { return m_token.empty(); }
+    bool eof() const { return token().empty(); }
 
     /// Whether the token equals `text`.
     bool operator==(char const* text) const;
     /// Whether the token equals `text` (as Latin-1).
     bool operator==(QString const& text) const;
     /// Whether the token equals `text`.
-    bool operator==(std::string const& text) const { return m_token == text; }
+    bool operator==(std::string const& text) const { return token() == text; }
     /// Negation of operator==.
     bool operator!=(char const* text) const { return !(*this == text); }
     /// Negation of operator==.
     bool operator!=(QString const& text) const { return !(*this == text); }
     /// Negation of operator==.
-    bool operator!=(std::string const& text) const { return m_token != text; }
+    bool operator!=(std::string const& text) const { return token() != text; }
 
     /// The token read as Latin-1.
     operator QString() const;
     /// The token read as UTF-8.
     QString fromUtf8() const;
     /// The token's bytes.
-    std::string const& asString() const { return m_token; }
+    std::string const& asString() const { return token(); }
 
     /// Numeric value of the token, converted once per token. A token is an int
     /// when a base-10 integer conversion consumes all of it (values beyond 32
@@ -165,15 +165,18 @@ public:
     static void writeString(std::ostream& out, QString const& text);
 
 private:
-    void reset(char const* text, char* owned);
+    void reset(char const* text, size_t length, char* owned);
+    std::string& token() { return m_tokens[m_current]; }
+    std::string const& token() const { return m_tokens[m_current]; }
     void convertNumber() const;
     void reportExpectingNumber();
 
     char const* m_buffer = nullptr;
     unsigned char const* m_cursor = nullptr;
+    unsigned char const* m_end = nullptr; // the text's terminating NUL
     char* m_ownedBuffer = nullptr;
-    std::string m_token;
-    std::string m_previousToken;
+    std::string m_tokens[2]; // the current token and the one before it
+    unsigned char m_current = 0;
     mutable bool m_numberCached = false;
     mutable bool m_isIntValue = false;
     mutable bool m_isDoubleValue = false;
