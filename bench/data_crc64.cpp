@@ -90,9 +90,9 @@ void BM_ByteLoop(benchmark::State& state)
     state.SetBytesProcessed(qint64(state.iterations()) * qint64(kSize));
 }
 
-BENCHMARK(BM_Ours);
-BENCHMARK(BM_IsaL);
-BENCHMARK(BM_ByteLoop);
+BENCHMARK(BM_Ours)->Repetitions(5);
+BENCHMARK(BM_IsaL)->Repetitions(5);
+BENCHMARK(BM_ByteLoop)->Repetitions(5);
 
 } // namespace
 

@@ -125,12 +125,12 @@ void BM_SerializeNlohmann(benchmark::State& state)
     state.SetBytesProcessed(qint64(state.iterations()) * inputs().bytes.size());
 }
 
-BENCHMARK(BM_ParseOurs)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_ParseQt)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_ParseNlohmann)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_SerializeOurs)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_SerializeQt)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_SerializeNlohmann)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_ParseOurs)->Repetitions(5)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_ParseQt)->Repetitions(5)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_ParseNlohmann)->Repetitions(5)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_SerializeOurs)->Repetitions(5)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_SerializeQt)->Repetitions(5)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_SerializeNlohmann)->Repetitions(5)->Unit(benchmark::kMillisecond);
 
 } // namespace
 

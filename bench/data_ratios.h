@@ -1,5 +1,6 @@
-// Shared by the data benchmarks: runs the benchmarks and keeps each one's CPU
-// time per iteration so that main() can report ours/peer speed ratios.
+// Shared by the data benchmarks: runs the benchmarks and keeps each one's best
+// CPU time per iteration over its repetitions, so that main() can report
+// ours/peer speed ratios that a slow spell of a shared machine does not decide.
 #pragma once
 
 #include "BenchReport.h"
@@ -17,9 +18,15 @@ class RatioReporter : public benchmark::ConsoleReporter
 public:
     void ReportRuns(std::vector<Run> const& runs) override
     {
-        for (Run const& run : runs)
-            m_times[run.benchmark_name()] =
+        for (Run const& run : runs) {
+            if (run.run_type != Run::RT_Iteration || run.iterations == 0)
+                continue;
+            double const us =
                 run.GetAdjustedCPUTime() / benchmark::GetTimeUnitMultiplier(run.time_unit) * 1e6;
+            auto [it, added] = m_times.emplace(run.run_name.function_name, us);
+            if (!added && us < it->second)
+                it->second = us;
+        }
         ConsoleReporter::ReportRuns(runs);
     }
 

@@ -96,9 +96,9 @@ void BM_QDir_cleanPath(benchmark::State& state)
     state.SetItemsProcessed(state.iterations() * list.size());
 }
 
-BENCHMARK(BM_UT_Path_SetPath)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_UT_RelPath_Assign)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_QDir_cleanPath)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_UT_Path_SetPath)->Repetitions(5)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_UT_RelPath_Assign)->Repetitions(5)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_QDir_cleanPath)->Repetitions(5)->Unit(benchmark::kMillisecond);
 
 } // namespace
 

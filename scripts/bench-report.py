@@ -117,7 +117,9 @@ def write_markdown(path, args, rows, problems):
         "# Benchmark report",
         "",
         "Written by `scripts/bench-report.sh` (every `bench_*` of the release preset, "
-        "Google Benchmark minimum time %s s per benchmark unless the benchmark sets its own)."
+        "Google Benchmark minimum time %s s per benchmark unless the benchmark sets its own; "
+        "the repetitions of a file's benchmarks run interleaved in random order, so that a "
+        "slow spell of the machine falls on ours and the peer alike)."
         % args.min_time,
         "",
         "- Date: %s UTC, commit %s" % (now.strftime("%Y-%m-%d %H:%M"), git_commit()),

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Builds the benchmarks of the release preset, runs every one of them with a
-# short minimum time and writes bench/REPORT.md and bench/ratios.svg.
+# short minimum time, their repetitions interleaved at random, and writes
+# bench/REPORT.md and bench/ratios.svg.
 # Usage: scripts/bench-report.sh [MIN_TIME_SECONDS]   (default 0.1)
 # Exits non-zero when a benchmark fails, reports an error or records nothing.
 set -euo pipefail
@@ -27,6 +28,7 @@ for bench in "${benches[@]}"; do
     status=0
     BRINDLE_BENCH_RECORDS="$out/$bench.records" \
         "build/release/bench/$bench" --benchmark_min_time="$min_time" \
+        --benchmark_enable_random_interleaving=true \
         --benchmark_out="$out/$bench.json" --benchmark_out_format=json \
         >"$out/$bench.log" 2>&1 || status=$?
     echo "$status" >"$out/$bench.status"
