@@ -351,7 +351,7 @@ Matrix4x4 Matrix4x4::getInverse() const
     }
     Internal::InverseResult result = Internal::invertFast(_m, r._m);
     if (result != Internal::InverseResult::Inverted) [[unlikely]] {
-        if (result == Internal::InverseResult::Singular || !invertPortable(_m, r._m))
+        if (!invertPortable(_m, r._m))
             throw Singularity();
     }
     return r;

@@ -13,6 +13,8 @@
 #include "Matrix4x4Kernels.h"
 
 #include <cfloat>
+#include <cstdint>
+#include <cstring>
 #include <immintrin.h>
 
 namespace Math::Internal::VectorInverse {
@@ -42,16 +44,58 @@ inline __m256i greatest(__m256i key)
     return _mm256_castpd_si256(_mm256_max_pd(k, _mm256_permute2f128_pd(k, k, 1)));
 }
 
+// The lane of a key.
+inline unsigned laneOf(__m256i key)
+{
+    return static_cast<unsigned>(_mm_cvtsi128_si64(_mm256_castsi256_si128(key))) & 3u;
+}
+
+// The rows of L and U stay in memory, in the columns they were computed in:
+// the back substitution and the updates off the critical path read their
+// entries as broadcast operands, which ties up no vector register. Only the
+// entries the next step waits for move from lane to lanes by permutation.
+struct Rows
+{
+    alignas(32) double multipliers[3][4]; // column j after step j: L(., j)
+    alignas(32) double pivotColumn[4][4]; // column J after step J - 1: U(J, J)
+    alignas(32) double lastColumn[4];     // column 3 after step 0: U(1, 3)
+};
+
+// The values of the elimination that live in registers. (Rows is apart: its
+// address is taken, and would keep these in memory too.)
 template <class Lanes>
 struct Decomposition
 {
     using Mask = typename Lanes::Mask;
+
+    Decomposition(double const* matrix, Rows& memory)
+        : m(matrix)
+        , rows(memory)
+    {}
+
+    double const* m;
+    Rows& rows;
     __m256d column[4]; // rows in lanes; rows stay in their lanes
-    __m256d scale;     // zero for the rows already picked
-    Mask pick[4];      // the row picked at each step
-    Mask doubt;        // rows whose merit makes the pick doubtful
-    __m256i key[3];    // the picking key of each step
-    __m256d lu[4][4];  // row J of L (j < J) and of U (j >= J), in every lane
+    __m256d scale;
+    Mask pick[4];         // the row picked at each step
+    Mask picked;          // the rows picked so far
+    Mask doubt;           // rows whose merit makes the pick doubtful
+    unsigned lane[4];     // the lane picked at each step
+    __m256d inverse[3];   // the reciprocal of each step's pivot, in every lane
+    __m256d following[3]; // U(J, J + 1), in every lane
+
+    // Entry (J, k) of L (k < J) or U (k >= J) in memory. U(J, J + 1) is in
+    // following[J] instead.
+    double const* entry(int J, int k) const
+    {
+        if (k < J)
+            return &rows.multipliers[k][lane[J]];
+        if (J == 0)
+            return m + 4 * k + lane[0];
+        if (k == J)
+            return &rows.pivotColumn[J][lane[J]];
+        return &rows.lastColumn[lane[1]];
+    }
 };
 
 // Step J of the right-looking elimination: every element sees the same
@@ -67,65 +111,58 @@ template <class Lanes, int J>
 {
     using Mask = typename Lanes::Mask;
     __m256d col = s.column[J];
+    if constexpr (J > 0)
+        _mm256_store_pd(s.rows.pivotColumn[J], col);
     // The quotients of all candidates start before the pivot is known.
     __m256d quotients = _mm256_div_pd(_mm256_set1_pd(1.0), col);
-    // scale * col: the key clears the sign, so the absolute value is off the
-    // path to the pivot.
-    __m256d signedMerit = _mm256_mul_pd(s.scale, col);
+    __m256d signedMerit;
+    if constexpr (J == 0)
+        signedMerit = _mm256_mul_pd(s.scale, col);
+    else
+        signedMerit = Lanes::merit(s.scale, col, s.picked);
+    // The key clears the sign, so the absolute value is off the path to the
+    // pivot.
     __m256i key = Lanes::keyOf(signedMerit);
     __m256d merit = absolute(signedMerit);
     __m256i best = greatest(key);
     __m256i idx = Lanes::index(best);
-    s.key[J] = best;
     s.pick[J] = Lanes::sameKey(key, best);
+    s.lane[J] = laneOf(best);
     __m256d bestMerit = Lanes::lane(merit, idx);
     if constexpr (J == 0) {
         // Before any exchange the loop takes the last row among equal
         // merits, the greatest lane: only a greater merit hidden by the cut
         // bits is in doubt.
         s.doubt = Lanes::template compare<_CMP_GT_OQ>(merit, bestMerit);
+        s.picked = s.pick[0];
     } else {
         // After exchanges the order of the rows is not the lanes': any other
         // row of equal merit is in doubt.
         Mask tied = Lanes::template compare<_CMP_GE_OQ>(merit, bestMerit);
         s.doubt = Lanes::either(s.doubt, Lanes::without(tied, s.pick[J]));
+        s.picked = Lanes::either(s.picked, s.pick[J]);
     }
-    if constexpr (J < 2)
-        s.scale = Lanes::clear(s.scale, s.pick[J]);
-    __m256d inverse = Lanes::lane(quotients, idx);
-    s.lu[J][J] = Lanes::lane(col, idx);
-    __m256d multipliers = _mm256_mul_pd(col, inverse);
-#pragma GCC unroll 4
-    for (int j = 0; j < J; ++j)
-        s.lu[J][j] = Lanes::lane(s.column[j], idx);
+    s.inverse[J] = Lanes::lane(quotients, idx);
+    __m256d multipliers = _mm256_mul_pd(col, s.inverse[J]);
     s.column[J] = multipliers;
+    _mm256_store_pd(s.rows.multipliers[J], multipliers);
+    // The next step waits for the next column.
+    __m256d u = Lanes::lane(s.column[J + 1], idx);
+    s.following[J] = u;
+    s.column[J + 1] = _mm256_sub_pd(s.column[J + 1], _mm256_mul_pd(multipliers, u));
 #pragma GCC unroll 4
-    for (int k = J + 1; k < 4; ++k) {
-        __m256d u = Lanes::lane(s.column[k], idx);
-        s.lu[J][k] = u;
-        s.column[k] = _mm256_sub_pd(s.column[k], _mm256_mul_pd(multipliers, u));
-    }
-}
-
-// The last step has one row left: lane 0 + 1 + 2 + 3 less the lanes picked,
-// in the low two bits.
-template <class Lanes>
-[[gnu::always_inline]] inline void eliminateLast(Decomposition<Lanes>& s)
-{
-    __m256i p = _mm256_sub_epi64(_mm256_set1_epi64x(6), s.key[0]);
-    p = _mm256_sub_epi64(_mm256_sub_epi64(p, s.key[1]), s.key[2]);
-    __m256i idx = Lanes::index(p);
-    s.pick[3] = Lanes::lastPick(s.pick, p);
-    s.lu[3][3] = Lanes::lane(s.column[3], idx);
-#pragma GCC unroll 4
-    for (int j = 0; j < 3; ++j)
-        s.lu[3][j] = Lanes::lane(s.column[j], idx);
+    for (int k = J + 2; k < 4; ++k)
+        s.column[k] = _mm256_sub_pd(s.column[k],
+                                    _mm256_mul_pd(multipliers, _mm256_broadcast_sd(s.entry(J, k))));
+    if constexpr (J == 0)
+        _mm256_store_pd(s.rows.lastColumn, s.column[3]);
 }
 
 template <class Lanes>
 [[gnu::always_inline]] inline InverseResult invert(double const* m, double* out)
 {
-    Decomposition<Lanes> s;
+    Rows rows;
+    Decomposition<Lanes> s(m, rows);
 #pragma GCC unroll 4
     for (int k = 0; k < 4; ++k)
         s.column[k] = _mm256_loadu_pd(m + 4 * k);
@@ -135,7 +172,11 @@ template <class Lanes>
     eliminate<Lanes, 0>(s);
     eliminate<Lanes, 1>(s);
     eliminate<Lanes, 2>(s);
-    eliminateLast(s);
+    _mm256_store_pd(s.rows.pivotColumn[3], s.column[3]);
+    // The one row left: lane 0 + 1 + 2 + 3 less the lanes picked. Picks that
+    // repeat (every merit left zero) have been flagged in doubt.
+    s.lane[3] = (6u - s.lane[0] - s.lane[1] - s.lane[2]) & 3u;
+    s.pick[3] = Lanes::lastPick(s.picked);
 
     // Row i of x holds entry i of the four solutions, starting as the unit
     // vector of the row picked at step i.
@@ -144,17 +185,19 @@ template <class Lanes>
     for (int i = 0; i < 4; ++i) {
         x[i] = Lanes::unit(s.pick[i]);
         if (i > 0)
-            x[i] = Lanes::subtractFirst(x[i], s.lu[i][0], x[0], s.pick[0]);
+            x[i] = Lanes::subtractFirst(x[i], _mm256_broadcast_sd(s.entry(i, 0)), x[0], s.pick[0]);
 #pragma GCC unroll 4
         for (int j = 1; j < i; ++j)
-            x[i] = _mm256_sub_pd(x[i], _mm256_mul_pd(s.lu[i][j], x[j]));
+            x[i] = _mm256_sub_pd(x[i], _mm256_mul_pd(_mm256_broadcast_sd(s.entry(i, j)), x[j]));
     }
 #pragma GCC unroll 4
     for (int i = 3; i >= 0; --i) {
 #pragma GCC unroll 4
-        for (int j = i + 1; j < 4; ++j)
-            x[i] = _mm256_sub_pd(x[i], _mm256_mul_pd(s.lu[i][j], x[j]));
-        x[i] = _mm256_div_pd(x[i], s.lu[i][i]);
+        for (int j = i + 1; j < 4; ++j) {
+            __m256d u = j == i + 1 ? s.following[i] : _mm256_broadcast_sd(s.entry(i, j));
+            x[i] = _mm256_sub_pd(x[i], _mm256_mul_pd(u, x[j]));
+        }
+        x[i] = _mm256_div_pd(x[i], _mm256_broadcast_sd(s.entry(i, i)));
     }
     Lanes::storeColumns(x, out);
 
@@ -164,13 +207,21 @@ template <class Lanes>
     __m256d sum = _mm256_add_pd(_mm256_add_pd(s.column[0], s.column[1]),
                                 _mm256_add_pd(s.column[2], s.column[3]));
     sum = _mm256_add_pd(sum, s.scale);
-    if (Lanes::any(Lanes::either(s.doubt, Lanes::notFinite(sum))))
-        return InverseResult::Unsure;
-    __m256d smallest = Lanes::lesserMagnitude(Lanes::lesserMagnitude(s.lu[0][0], s.lu[1][1]),
-                                              Lanes::lesserMagnitude(s.lu[2][2], s.lu[3][3]));
-    bool failed =
-        Lanes::any(Lanes::template compare<_CMP_LT_OQ>(smallest, _mm256_set1_pd(DBL_EPSILON)));
-    return failed ? InverseResult::Singular : InverseResult::Inverted;
+    // A pivot under DBL_EPSILON in magnitude has a reciprocal of 2^52 or
+    // more (exactly 2^52 from either side of the bound), and the last one is
+    // tested by its bits: the portable code decides, and so reports every
+    // singular matrix.
+    __m256d largest =
+        Lanes::greaterMagnitude(Lanes::greaterMagnitude(s.inverse[0], s.inverse[1]), s.inverse[2]);
+    typename Lanes::Mask unsure =
+        Lanes::either(Lanes::either(s.doubt, Lanes::notFinite(sum)),
+                      Lanes::template compare<_CMP_GE_OQ>(largest, _mm256_set1_pd(0x1p52)));
+    std::uint64_t last, epsilon;
+    double const bound = DBL_EPSILON;
+    std::memcpy(&last, s.entry(3, 3), sizeof last);
+    std::memcpy(&epsilon, &bound, sizeof epsilon);
+    bool small = (last << 1) < (epsilon << 1);
+    return Lanes::any(unsure) || small ? InverseResult::Unsure : InverseResult::Inverted;
 }
 
 } // namespace Math::Internal::VectorInverse

@@ -47,12 +47,16 @@ struct Avx2Lanes
     static Mask either(Mask a, Mask b) { return _mm256_or_pd(a, b); }
     static Mask without(Mask a, Mask b) { return _mm256_andnot_pd(b, a); }
     static bool any(Mask m) { return _mm256_movemask_pd(m) != 0; }
-    static Mask lastPick(Mask const*, __m256i p)
+    static Mask lastPick(Mask picked)
     {
-        p = _mm256_and_si256(p, _mm256_set1_epi64x(3));
-        return _mm256_castsi256_pd(_mm256_cmpeq_epi64(p, VectorInverse::laneNumbers()));
+        __m256i all = _mm256_cmpeq_epi64(_mm256_setzero_si256(), _mm256_setzero_si256());
+        return _mm256_xor_pd(picked, _mm256_castsi256_pd(all));
     }
-    static __m256d clear(__m256d v, Mask m) { return _mm256_andnot_pd(m, v); }
+    // scale * col, zero in the rows picked.
+    static __m256d merit(__m256d scale, __m256d col, Mask picked)
+    {
+        return _mm256_mul_pd(_mm256_andnot_pd(picked, scale), col);
+    }
     static __m256d unit(Mask m) { return _mm256_and_pd(m, _mm256_set1_pd(1.0)); }
     static __m256d subtractFirst(__m256d x, __m256d l, __m256d x0, Mask)
     {
@@ -61,10 +65,6 @@ struct Avx2Lanes
     static __m256d greaterMagnitude(__m256d a, __m256d b)
     {
         return _mm256_max_pd(VectorInverse::absolute(a), VectorInverse::absolute(b));
-    }
-    static __m256d lesserMagnitude(__m256d a, __m256d b)
-    {
-        return _mm256_min_pd(VectorInverse::absolute(a), VectorInverse::absolute(b));
     }
     // NaN where the sum is not finite.
     static Mask notFinite(__m256d sum)

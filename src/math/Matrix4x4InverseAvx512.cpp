@@ -38,14 +38,11 @@ struct Avx512Lanes
     static Mask either(Mask a, Mask b) { return _kor_mask8(a, b); }
     static Mask without(Mask a, Mask b) { return _kandn_mask8(b, a); }
     static bool any(Mask m) { return !_kortestz_mask8_u8(m, m); }
-    static Mask lastPick(Mask const*, __m256i p)
+    static Mask lastPick(Mask picked) { return _knot_mask8(picked); }
+    // scale * col, zero in the rows picked.
+    static __m256d merit(__m256d scale, __m256d col, Mask picked)
     {
-        return _mm256_cmpeq_epi64_mask(_mm256_and_si256(p, _mm256_set1_epi64x(3)),
-                                       VectorInverse::laneNumbers());
-    }
-    static __m256d clear(__m256d v, Mask m)
-    {
-        return _mm256_mask_mov_pd(v, m, _mm256_setzero_pd());
+        return _mm256_maskz_mul_pd(_knot_mask8(picked), scale, col);
     }
     static __m256d unit(Mask m) { return _mm256_maskz_mov_pd(m, _mm256_set1_pd(1.0)); }
     // x0 is the unit vector of pick0: only its lane changes (0 − l · 1);
@@ -55,7 +52,6 @@ struct Avx512Lanes
         return _mm256_mask_sub_pd(x, pick0, x, l);
     }
     static __m256d greaterMagnitude(__m256d a, __m256d b) { return _mm256_range_pd(a, b, 0xB); }
-    static __m256d lesserMagnitude(__m256d a, __m256d b) { return _mm256_range_pd(a, b, 0xA); }
     static Mask notFinite(__m256d sum) { return _mm256_fpclass_pd_mask(sum, 0x99); }
     // Rows of x to the columns of out. (GCC 12's headers build the insertion
     // from an undefined vector, which -Wuninitialized reports.)

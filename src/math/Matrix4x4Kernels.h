@@ -12,15 +12,15 @@ namespace Math::Internal {
 enum class InverseResult
 {
     Inverted,
-    Singular,
     Unsure
 };
 
 // The inverse of the column-major matrix m into out by the LU decomposition
 // of Matrix4x4::getInverse(). Unsure when the processor lacks the vector
-// instructions, a value that is not finite turns up, or rows of (nearly)
-// equal merit compete for a pivot: the portable code then decides, by its own
-// pivot rules. out is written in every case.
+// instructions, a value that is not finite turns up, rows of (nearly) equal
+// merit compete for a pivot, or a pivot comes near the singular bound: the
+// portable code then decides, by its own pivot rules, and so is the one to
+// find a matrix singular. out is written in every case.
 InverseResult invertFast(double const* m, double* out);
 
 // The levels behind invertFast(), for processors that have them.
