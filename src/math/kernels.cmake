@@ -11,9 +11,10 @@ set_source_files_properties(${_brindle_kernels} PROPERTIES COMPILE_OPTIONS -ffp-
 
 # The vector inverses are one long chain of dependent steps; GCC's scheduler
 # before register allocation orders the independent work around it so that
-# more of the next call overlaps.
+# more of the next call overlaps, and the pass after allocation would only
+# move it back.
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     set_property(SOURCE ${CMAKE_CURRENT_SOURCE_DIR}/math/Matrix4x4InverseAvx2.cpp
                         ${CMAKE_CURRENT_SOURCE_DIR}/math/Matrix4x4InverseAvx512.cpp APPEND
-                 PROPERTY COMPILE_OPTIONS -fschedule-insns -fsched-pressure)
+                 PROPERTY COMPILE_OPTIONS -fschedule-insns -fsched-pressure -fno-schedule-insns2)
 endif()
