@@ -81,7 +81,6 @@ struct Decomposition
     Mask picked;          // the rows picked so far
     Mask doubt;           // rows whose merit makes the pick doubtful
     unsigned lane[4];     // the lane picked at each step
-    __m256d inverse[3];   // the reciprocal of each step's pivot, in every lane
     __m256d following[3]; // U(J, J + 1), in every lane
 
     // Entry (J, k) of L (k < J) or U (k >= J) in memory. U(J, J + 1) is in
@@ -142,8 +141,7 @@ template <class Lanes, int J>
         s.doubt = Lanes::either(s.doubt, Lanes::without(tied, s.pick[J]));
         s.picked = Lanes::either(s.picked, s.pick[J]);
     }
-    s.inverse[J] = Lanes::lane(quotients, idx);
-    __m256d multipliers = _mm256_mul_pd(col, s.inverse[J]);
+    __m256d multipliers = _mm256_mul_pd(col, Lanes::lane(quotients, idx));
     s.column[J] = multipliers;
     _mm256_store_pd(s.rows.multipliers[J], multipliers);
     // The next step waits for the next column.
@@ -201,26 +199,27 @@ template <class Lanes>
     }
     Lanes::storeColumns(x, out);
 
-    // A value that is not finite stays so through the elimination, so one
-    // sum finds any; the loop's pivot rules for such values differ from
-    // these, as they may in doubtful picks.
-    __m256d sum = _mm256_add_pd(_mm256_add_pd(s.column[0], s.column[1]),
-                                _mm256_add_pd(s.column[2], s.column[3]));
-    sum = _mm256_add_pd(sum, s.scale);
-    // A pivot under DBL_EPSILON in magnitude has a reciprocal of 2^52 or
-    // more (exactly 2^52 from either side of the bound), and the last one is
-    // tested by its bits: the portable code decides, and so reports every
-    // singular matrix.
-    __m256d largest =
-        Lanes::greaterMagnitude(Lanes::greaterMagnitude(s.inverse[0], s.inverse[1]), s.inverse[2]);
-    typename Lanes::Mask unsure =
-        Lanes::either(Lanes::either(s.doubt, Lanes::notFinite(sum)),
-                      Lanes::template compare<_CMP_GE_OQ>(largest, _mm256_set1_pd(0x1p52)));
-    std::uint64_t last, epsilon;
+    // The loop's pivot rules differ from these only for merits that are not
+    // finite, which come from a scale of 0, infinity or NaN or from such a
+    // value in the column. A value that is not finite in a column of a row
+    // not yet picked makes its multiplier so, and the update of the last
+    // column carries it there; one in a picked row reaches the other rows'
+    // columns through U. So the last column and the scales find every one.
+    __m256d sum = _mm256_add_pd(s.column[3], s.scale);
+    // A pivot under DBL_EPSILON in magnitude: the portable code decides, and
+    // so reports every singular matrix. The pivots' bits are tested in
+    // memory, off the vector registers.
+    std::uint64_t epsilon;
     double const bound = DBL_EPSILON;
-    std::memcpy(&last, s.entry(3, 3), sizeof last);
     std::memcpy(&epsilon, &bound, sizeof epsilon);
-    bool small = (last << 1) < (epsilon << 1);
+    bool small = false;
+#pragma GCC unroll 4
+    for (int J = 0; J < 4; ++J) {
+        std::uint64_t pivot;
+        std::memcpy(&pivot, s.entry(J, J), sizeof pivot);
+        small |= (pivot << 1) < (epsilon << 1);
+    }
+    typename Lanes::Mask unsure = Lanes::either(s.doubt, Lanes::notFinite(sum));
     return Lanes::any(unsure) || small ? InverseResult::Unsure : InverseResult::Inverted;
 }
 
