@@ -200,9 +200,10 @@ template <class Lanes>
     Lanes::storeColumns(x, out);
 
     // The loop's pivot rules differ from these only for merits that are not
-    // finite, which come from a scale of 0, infinity or NaN or from such a
-    // value in the column. A value that is not finite in a column of a row
-    // not yet picked makes its multiplier so, and the update of the last
+    // finite. Finite columns and scales cannot make one (a row's entries grow
+    // at most twofold per step relative to its scale), so they come from a
+    // scale of 0, infinity or NaN or from such a value in a column. One in a
+    // row not yet picked makes its multiplier so, and the update of the last
     // column carries it there; one in a picked row reaches the other rows'
     // columns through U. So the last column and the scales find every one.
     __m256d sum = _mm256_add_pd(s.column[3], s.scale);
