@@ -144,6 +144,9 @@ InverseResult chooseInverse(double const* m, double* out)
 
 } // namespace
 
+// Before this is set, copies take the narrow path, which gives the same bytes.
+bool const wideCopies = level() != Level::Portable;
+
 void multiply4x4(double const* a, double const* b, double* r)
 {
     productChoice.load(std::memory_order_relaxed)(a, b, r);

@@ -6,6 +6,8 @@
 
 #include <cmath>
 #include <cstdio>
+#include <cstring>
+#include <new>
 
 using namespace Math;
 
@@ -70,6 +72,47 @@ TEST(Matrix4x4, CompositionShortCutsTheFlag)
     s.scale(2, 2, 2);
     EXPECT_EQ((t * s) * Point3d(1, 1, 1), Point3d(3, 4, 5));
     EXPECT_EQ((s * t) * Point3d(1, 1, 1), Point3d(4, 6, 8));
+}
+
+// The identity short paths copy the other operand's bits exactly (a NaN's
+// payload, -0, denormals) wherever the result lies, and never write past
+// the values and the flag: the tail padding may belong to a derived object.
+TEST(Matrix4x4, IdentityShortPathsCopyExactlyAtEveryAlignment)
+{
+    double v[16];
+    for (int i = 0; i < 16; ++i)
+        v[i] = 0.25 * i - 1.5;
+    v[3] = -0.0;
+    v[7] = std::nan("0x5a5a");
+    v[11] = 4.9e-324;
+    v[15] = -INFINITY;
+    alignas(64) unsigned char source[64 + sizeof(Matrix4x4)];
+    alignas(64) unsigned char target[64 + sizeof(Matrix4x4)];
+    for (int from : {0, 16, 48}) {
+        auto* a = new (source + from) Matrix4x4(v);
+        ASSERT_FALSE(a->isIdentityFlag());
+        for (int to : {0, 8, 16, 32, 48}) {
+            SCOPED_TRACE(testing::Message() << "source +" << from << ", result +" << to);
+            std::memset(target, 0xa5, sizeof target);
+            auto* values = reinterpret_cast<double*>(target + to);
+            Internal::copyValues(values, a->asArray());
+            EXPECT_EQ(std::memcmp(values, v, sizeof v), 0);
+            EXPECT_EQ(target[to + sizeof v], 0xa5);
+            EXPECT_EQ(target[to + sizeof(Matrix4x4) - 1], 0xa5);
+            if (to % 16)
+                continue; // Matrix4x4 itself is 16-byte aligned
+            auto* left = new (target + to) Matrix4x4(Matrix4x4::Identity * *a);
+            EXPECT_EQ(std::memcmp(left->asArray(), v, sizeof v), 0);
+            EXPECT_FALSE(left->isIdentityFlag());
+            auto* right = new (target + to) Matrix4x4(*a * Matrix4x4::Identity);
+            EXPECT_EQ(std::memcmp(right->asArray(), v, sizeof v), 0);
+            EXPECT_FALSE(right->isIdentityFlag());
+            auto* in = new (target + to) Matrix4x4();
+            *in *= *a;
+            EXPECT_EQ(std::memcmp(in->asArray(), v, sizeof v), 0);
+            EXPECT_FALSE(in->isIdentityFlag());
+        }
+    }
 }
 
 TEST(Matrix4x4, RotationPaths)

@@ -14,6 +14,7 @@
 #include <BrindleBaseCore/math/Point2d.h>
 #include <BrindleBaseCore/math/Point3d.h>
 
+#include <cstdint>
 #include <cstring>
 #include <exception>
 #include <type_traits>
@@ -24,6 +25,69 @@ namespace Internal {
 /// The 4x4 product behind Matrix4x4, in the fastest form the processor offers
 /// (the same bits in every form).
 BRINDLE_EXPORT void multiply4x4(double const* a, double const* b, double* r);
+
+/// True when the processor and the system offer 256-bit AVX stores and
+/// BRINDLE_MATH_KERNEL does not cap the kernels at "portable". Set while the
+/// library loads; copies made before then take the narrow path.
+BRINDLE_EXPORT extern bool const wideCopies;
+
+/// Copies the sixteen values of a Matrix4x4 (128 bytes) and nothing after
+/// them: the tail padding may hold a derived object's members. The store
+/// unit bounds a copy: it retires about one store a cycle, 16 or 32 bytes
+/// wide alike. So with AVX the copy makes 32-byte stores aligned on the
+/// destination (with a 16-byte head and tail when it starts half-way; a
+/// 32-byte store across a 32-byte boundary would cost two) instead of eight
+/// 16-byte ones. The instructions are spelled out so that applications built
+/// for the baseline instruction set use them too; vzeroupper then spares the
+/// SSE code around them any transition cost.
+inline void copyValues(double* dst, double const* src) noexcept
+{
+#if defined(__x86_64__) && defined(__GNUC__)
+    // clang-format off
+    // A load into reg, or a store from it, in either assembler dialect the
+    // application may have chosen. All loads go first: a load placed after
+    // a store may wait for it until the two addresses are told apart.
+#  define BRINDLE_LOAD(reg, offset)                                          \
+      "vmovupd {" #offset "(%[s]), %%" #reg "|" #reg ", [%[s]+" #offset "]}\n\t"
+#  define BRINDLE_STORE(reg, offset)                                         \
+      "vmovupd {%%" #reg ", " #offset "(%[d])|[%[d]+" #offset "], " #reg "}\n\t"
+#  if defined(__AVX__)
+#    define BRINDLE_WIDE true
+#    define BRINDLE_LEAVE_AVX ""
+#  else
+#    define BRINDLE_WIDE wideCopies
+#    define BRINDLE_LEAVE_AVX "vzeroupper"
+#  endif
+#  define BRINDLE_OPERANDS                                                   \
+      : "=m"(*reinterpret_cast<double(*)[16]>(dst))                          \
+      : [d] "r"(dst), [s] "r"(src),                                          \
+        "m"(*reinterpret_cast<double const(*)[16]>(src))                     \
+      : "xmm0", "xmm1", "xmm2", "xmm3", "xmm4", "xmm5", "xmm6", "xmm7",      \
+        "xmm8", "xmm9", "xmm10", "xmm11", "xmm12", "xmm13", "xmm14", "xmm15"
+    if (BRINDLE_WIDE) {
+        if (reinterpret_cast<std::uintptr_t>(dst) & 16)
+            asm(BRINDLE_LOAD(xmm0, 0) BRINDLE_LOAD(ymm1, 16) BRINDLE_LOAD(ymm2, 48)
+                BRINDLE_LOAD(ymm3, 80) BRINDLE_LOAD(xmm4, 112)
+                BRINDLE_STORE(xmm0, 0) BRINDLE_STORE(ymm1, 16) BRINDLE_STORE(ymm2, 48)
+                BRINDLE_STORE(ymm3, 80) BRINDLE_STORE(xmm4, 112)
+                BRINDLE_LEAVE_AVX BRINDLE_OPERANDS);
+        else
+            asm(BRINDLE_LOAD(ymm0, 0) BRINDLE_LOAD(ymm1, 32) BRINDLE_LOAD(ymm2, 64)
+                BRINDLE_LOAD(ymm3, 96)
+                BRINDLE_STORE(ymm0, 0) BRINDLE_STORE(ymm1, 32) BRINDLE_STORE(ymm2, 64)
+                BRINDLE_STORE(ymm3, 96)
+                BRINDLE_LEAVE_AVX BRINDLE_OPERANDS);
+        return;
+    }
+#  undef BRINDLE_OPERANDS
+#  undef BRINDLE_LEAVE_AVX
+#  undef BRINDLE_WIDE
+#  undef BRINDLE_STORE
+#  undef BRINDLE_LOAD
+    // clang-format on
+#endif
+    std::memcpy(dst, src, 16 * sizeof(double));
+}
 } // namespace Internal
 
 /// The homogeneous 3D transform: sixteen doubles stored column by column (element (r, c) at m[4c +
@@ -137,8 +201,13 @@ public:
     /// this = this × b.
     Matrix4x4& operator*=(Matrix4x4 const& b)
     {
-        if (_identity | b._identity) [[unlikely]]
-            return b._identity ? *this : *this = b;
+        if (_identity | b._identity) [[unlikely]] {
+            if (!b._identity) {
+                Internal::copyValues(_m, b._m);
+                _identity = false;
+            }
+            return *this;
+        }
         double r[16];
         product(_m, b._m, r);
         for (int i = 0; i < 16; ++i)
@@ -155,7 +224,7 @@ public:
         // a flagged identity it is a copy of the other operand's values.
         Matrix4x4 r(NoInit{}, _identity & b._identity);
         if (_identity | b._identity) [[unlikely]]
-            std::memcpy(r._m, b._identity ? _m : b._m, sizeof r._m);
+            Internal::copyValues(r._m, b._identity ? _m : b._m);
         else
             product(_m, b._m, r._m);
         return r;
