@@ -21,10 +21,8 @@ TEST(TUCRC64Calculator, KnownValuesAndCopies)
     TUCRC64Calculator assigned;
     assigned = std::move(copy);
     EXPECT_EQ(assigned.compute("123456789"), calc.compute("123456789"));
-    for (unsigned i = 0; i < 256; ++i)
-        ASSERT_EQ(assigned.tableEntry(static_cast<unsigned char>(i)),
-                  calc.tableEntry(static_cast<unsigned char>(i)))
-            << i;
+    for (int i = 0; i < 256; ++i)
+        ASSERT_EQ(assigned.tableEntry(quint8(i)), calc.tableEntry(quint8(i))) << i;
 }
 
 // Every kernel, at every length up to a few blocks and every alignment, on

@@ -40,8 +40,6 @@ TEST(UT_FrameRate, SnappingRationalFormAndOrder)
     EXPECT_FALSE(R(-24.0).isValid());
     EXPECT_TRUE(R(0.5).isValid());
     EXPECT_LT(R(23.976), R(24u));
-    EXPECT_GT(R(30u), R(29.97));
-    EXPECT_NE(R(23.97), R(23.976));
 }
 
 TEST(UT_Timecode, FramesAndGarbageFields)
@@ -58,7 +56,6 @@ TEST(UT_Timecode, FramesAndGarbageFields)
     EXPECT_EQ(frames(u"9:1:00:00.01"_qs), 86401u);
 
     EXPECT_EQ(frames(QString()), 0u);
-    EXPECT_EQ(frames(u"::."_qs), 0u);
     EXPECT_EQ(frames(u"xx:01:00.zz"_qs), 1440u);
     EXPECT_EQ(frames(u"-1:00:01.-5"_qs), 24u);
     EXPECT_EQ(frames(u"1.2.3"_qs), 2u * 24 + 3);

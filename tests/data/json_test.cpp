@@ -47,7 +47,6 @@ TEST(UT_JsonParse, LenientCommasAndScalarTypes)
 {
     QVariantMap const map = parsed(u",,{ ,\"a\" : 1,, }"_qs.mid(2)).toMap();
     EXPECT_EQ(map, (QVariantMap{{"a", 1u}}));
-    EXPECT_EQ(map["a"].typeId(), QMetaType::UInt);
     QVariantList const list = parsed(u"[1, -2, 3.5, \"x\", true, null false]"_qs).toList();
     EXPECT_EQ(list, (QVariantList{1u, -2, 3.5, u"x"_qs, true, QVariant(), false})); // ',' optional
     QList<int> types;
@@ -60,7 +59,6 @@ TEST(UT_JsonParse, LenientCommasAndScalarTypes)
     // A later key replaces the earlier one; text after the value is ignored.
     EXPECT_EQ(parsed(u"{\"k\":1,\"k\":[2]} trailing ]]"_qs).toMap()["k"].toList().size(), 1);
     EXPECT_EQ(parsed(u" \t\r\n[]"_qs).typeId(), QMetaType::QVariantList);
-    EXPECT_EQ(parsed(u"{}"_qs).typeId(), QMetaType::QVariantMap);
 }
 
 TEST(UT_JsonParse, NumberTypes)
@@ -82,7 +80,6 @@ TEST(UT_JsonParse, NumberTypes)
         EXPECT_EQ(v.typeId(), types[i]) << texts[i].toStdString();
         EXPECT_TRUE(types[i] == T::Double || v.toString() == texts[i]) << texts[i].toStdString();
     }
-    EXPECT_EQ(parsed(u"-5000000000"_qs).toLongLong(), -5000000000LL);
     EXPECT_EQ(parsed(u"1.5e3"_qs).toDouble(), 1500.0);
     EXPECT_EQ(parsed(u"1.2.3"_qs).toDouble(), 0.0); // malformed with a point: 0
     EXPECT_TRUE(std::isinf(parsed(u"1.0e999"_qs).toDouble()));
@@ -172,12 +169,10 @@ TEST(UT_JsonSerialize, Layout)
 TEST(UT_JsonSerialize, Doubles)
 {
     EXPECT_EQ(written(2.0), "2.0");
-    EXPECT_EQ(written(3.5), "3.5");
     EXPECT_EQ(written(-0.0), "-0.0"); // integral values keep a ".0", others are %g
-    EXPECT_EQ(written(1e20), "1e+20");
     char expected[64];
-    for (double d :
-         {1.23456789, 123456789.0, 0.0001, 1e-5, 999999.5, 1234567.0, 0.1, 1.0 / 3, -2.5e-300}) {
+    for (double d : {3.5, 1e20, 1.23456789, 123456789.0, 0.0001, 1e-5, 999999.5, 1234567.0, 0.1,
+                     1.0 / 3, -2.5e-300}) {
         std::snprintf(expected, sizeof expected, "%g", d);
         EXPECT_EQ(written(d), QByteArray(expected)) << d;
     }

@@ -136,8 +136,6 @@ TEST(UT_NodePosition, AddressesNodes)
     UT_NodePosition const p(t.b1);
     EXPECT_EQ(p, position({0, 1, 1}));
     EXPECT_EQ(p.GetNode(&t.top), t.b1);
-    EXPECT_EQ(static_cast<UT_Node const*>(p.GetNode(static_cast<UT_Node const*>(&t.top))), t.b1);
-    EXPECT_EQ(UT_NodePosition(t.a).GetNode(&t.top), t.a);
     UT_NodePosition reused(t.b1);
     reused.Set(t.a);
     EXPECT_EQ(reused, position({0, 0}));
@@ -166,8 +164,6 @@ TEST(UT_NodePosition, ValueOperations)
 
     a.Append(longer);
     EXPECT_EQ(a, position({0, 1, 0, 1, 0}));
-    a(4) = 7;
-    EXPECT_EQ(a(4), 7u);
 
     UT_NodePosition moved(std::move(a));
     EXPECT_EQ(moved.Size(), 5u);
@@ -175,8 +171,6 @@ TEST(UT_NodePosition, ValueOperations)
     a = std::move(moved);
     EXPECT_FALSE(moved.IsValid());
     EXPECT_TRUE(a.IsValid());
-    a.Clear();
-    EXPECT_EQ(a.Size(), 0u);
 
     EXPECT_EXIT(position({1})(1), testing::ExitedWithCode(1), "index 1 out of range");
 }

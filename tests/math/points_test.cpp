@@ -9,6 +9,7 @@
 #include <climits>
 #include <cmath>
 #include <cstdio>
+#include <tuple>
 #include <vector>
 
 using namespace Math;
@@ -69,32 +70,30 @@ TEST(Vector2d, UnsignedAngleOrderKeepsThePositiveAxisApart)
 {
     Vector2d::VectorLessUnsignedAngle less;
     Vector2d posX(1, 0), up(0, 1), upLeft(-1, 1), negX(-1, 0), down(0, -1);
-    EXPECT_TRUE(less(up, upLeft));
-    EXPECT_TRUE(less(upLeft, down));
-    EXPECT_TRUE(less(negX, down));
-    EXPECT_TRUE(less(negX, posX));
-    // Intended: nothing in the upper half is less than +x, and +x is less than
-    // nothing.
-    for (Vector2d const& v : {up, upLeft, negX, down})
-        EXPECT_FALSE(less(posX, v));
-    EXPECT_FALSE(less(up, posX));
+    // {a, b, a < b}. Intended: nothing in the upper half is less than +x, and
+    // +x is less than nothing.
+    std::tuple<Vector2d, Vector2d, bool> const rows[] = {
+        {up, upLeft, true},  {upLeft, down, true}, {negX, down, true},
+        {negX, posX, true},  {posX, up, false},    {posX, upLeft, false},
+        {posX, negX, false}, {posX, down, false},  {up, posX, false}};
+    int row = 0;
+    for (auto const& [a, b, expected] : rows)
+        EXPECT_EQ(less(a, b), expected) << "row " << row++;
 }
 
 TEST(Vector2d, InBetweenAngle)
 {
     Vector2d::VectorInBetweenAngle between;
-    Vector2d x(1, 0), y(0, 1), negX(-1, 0), negY(0, -1), diag(1, 1);
-    EXPECT_TRUE(between(x, diag, y));
-    EXPECT_FALSE(between(y, diag, x));
-    EXPECT_FALSE(between(x, negY, negX));
-    EXPECT_TRUE(between(y, negY, x));
-    EXPECT_FALSE(between(x, Vector2d(), y));
-    EXPECT_TRUE(between(Vector2d(), diag, y));
-    EXPECT_TRUE(between(x, diag, Vector2d()));
-    // Collinear ends: a half turn from a to c includes what is on a's side.
-    EXPECT_TRUE(between(x, y, negX));
-    EXPECT_FALSE(between(x, Vector2d(2, 0), x));
-    EXPECT_TRUE(between(x, Vector2d(2, 0), negX));
+    Vector2d x(1, 0), y(0, 1), negX(-1, 0), negY(0, -1), diag(1, 1), zero, x2(2, 0);
+    // {a, b, c, b between a and c}. Collinear ends (the last three): a half
+    // turn from a to c includes what is on a's side.
+    std::tuple<Vector2d, Vector2d, Vector2d, bool> const rows[] = {
+        {x, diag, y, true},  {y, diag, x, false},   {x, negY, negX, false}, {y, negY, x, true},
+        {x, zero, y, false}, {zero, diag, y, true}, {x, diag, zero, true},  {x, y, negX, true},
+        {x, x2, x, false},   {x, x2, negX, true}};
+    int row = 0;
+    for (auto const& [a, b, c, expected] : rows)
+        EXPECT_EQ(between(a, b, c), expected) << "row " << row++;
 }
 
 TEST(Point2d, RoundingAndConversion)

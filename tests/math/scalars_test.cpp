@@ -50,10 +50,9 @@ TEST(TUMaths, Interpolation)
     EXPECT_EQ(TUMaths::clampedInterpolateInverse(9, 5, 7), 1.0);
     EXPECT_EQ(TUMaths::clampedInterpolateInverse(3, 5, 7), 0.0);
     EXPECT_EQ(TUMaths::clampedInterpolateInverse(qnan, 5, 7), 0.0);
-    EXPECT_EQ(TUMaths::circularInterpolateInverse(350, 340, 20, 360), 0.25);
-    EXPECT_EQ(TUMaths::circularInterpolateInverse(10, 340, 20, 360), 0.75);
-    EXPECT_EQ(TUMaths::circularInterpolateInverse(-10, 340, 20, 360), 0.25);
-    EXPECT_EQ(TUMaths::circularInterpolateInverse(20, 340, 20, 360), 1.0);
+    for (auto [value, expected] :
+         {std::pair{350.0, 0.25}, {10.0, 0.75}, {-10.0, 0.25}, {20.0, 1.0}})
+        EXPECT_EQ(TUMaths::circularInterpolateInverse(value, 340, 20, 360), expected) << value;
     EXPECT_EQ(TUMaths::circularInterpolateInverse(15, 10, 20, 360), 0.5);
 }
 
@@ -64,7 +63,6 @@ TEST(TUMaths, RoundingSaturatesToInt32)
     EXPECT_EQ(TUMaths::ifloor(qnan), INT_MIN);
     EXPECT_EQ(TUMaths::round(2.5), 3);
     EXPECT_EQ(TUMaths::round(-2.5), -2);
-    EXPECT_EQ(TUMaths::round(2.5f), 3);
     EXPECT_EQ(TUMaths::round(2147483647.4), INT_MAX);
     EXPECT_EQ(TUMaths::round(1.2345, 2), 1.23);
     EXPECT_EQ(TUMaths::quantumRound(7.0, 5.0), 5.0);
