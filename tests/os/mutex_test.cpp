@@ -12,11 +12,9 @@ namespace {
 template <class Body>
 void onThreads(int count, Body body)
 {
-    std::vector<std::thread> threads;
+    std::vector<std::jthread> threads;
     for (int i = 0; i < count; ++i)
         threads.emplace_back(body, i);
-    for (auto& t : threads)
-        t.join();
 }
 
 constexpr int kThreads = 4;
