@@ -43,20 +43,19 @@ TEST(OSW_Execute, EmptyWordListThrowsWithCodeZero)
     EXPECT_EQ(exec.pid(), 0u);
 }
 
-TEST(OSW_Execute, CommandLineQuotesOnlyWordsWithBlanks)
+// The command line quotes the words with blanks (nothing else is escaped) and
+// the child gets the words it stands for: the original ones without the empty
+// ones. It runs in the given folder and has only the standard descriptors,
+// whatever handles were named.
+TEST(OSW_Execute, ChildGetsTheWordsOfItsCommandLineFolderAndStandardDescriptorsOnly)
 {
-    EXPECT_EQ(OSW_Execute::commandLine({QStringLiteral("C:/Program Files/app.exe"),
-                                        QStringLiteral("-x"), QStringLiteral("a b")}),
-              QStringLiteral("\"C:/Program Files/app.exe\" -x \"a b\" "));
-    EXPECT_EQ(
-        OSW_Execute::commandLine({QStringLiteral("a\tb"), QString(), QStringLiteral("q\"\\")}),
-        QStringLiteral("a\tb  q\"\\ "));
-}
-
-// The child gets the original words without the empty ones, runs in the given
-// folder and has only the standard descriptors, whatever handles were named.
-TEST(OSW_Execute, ChildGetsItsWordsFolderAndStandardDescriptorsOnly)
-{
+    QString const script = QStringLiteral("pwd; printf '%s|' \"$@\"; ls /proc/$$/fd");
+    QStringList const words = QStringList{Sh, C, script, QStringLiteral("sh")} +
+                              QStringList{QStringLiteral("a b"), QString(), QStringLiteral("x\ty"),
+                                          QStringLiteral("q\"u\\"), QStringLiteral(" lead")};
+    EXPECT_EQ(OSW_Execute::commandLine(words),
+              QStringLiteral("/bin/sh -c \"pwd; printf '%s|' \"$@\"; ls /proc/$$/fd\" sh \"a b\"  "
+                             "x\ty q\"u\\ \" lead\" "));
     QTemporaryDir dir;
     ASSERT_TRUE(dir.isValid());
     int const extra = ::dup(1); // not close-on-exec
@@ -65,11 +64,7 @@ TEST(OSW_Execute, ChildGetsItsWordsFolderAndStandardDescriptorsOnly)
     exec.addInheritedHandle(extra); // recorded, not consulted
     exec.setWorkingDirectory(dir.path());
     exec.enableStdioPipes(true);
-    EXPECT_EQ(
-        exec.execm({Sh, C, QStringLiteral("pwd; printf '%s|' \"$@\"; ls /proc/$$/fd"),
-                    QStringLiteral("sh"), QStringLiteral("a b"), QString(), QStringLiteral("x\ty"),
-                    QStringLiteral("q\"u\\"), QStringLiteral(" lead")}),
-        0);
+    EXPECT_EQ(exec.execm(words), 0);
     ::close(extra);
     QByteArray out;
     exec.readFromStdout(out);
