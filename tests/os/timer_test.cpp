@@ -6,7 +6,6 @@
 #include <QtCore/QElapsedTimer>
 #include <QtCore/QEventLoop>
 #include <QtCore/QObject>
-#include <QtCore/QThread>
 #include <QtCore/QTimer>
 
 #include <functional>
