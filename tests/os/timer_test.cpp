@@ -6,7 +6,6 @@
 #include <QtCore/QElapsedTimer>
 #include <QtCore/QEventLoop>
 #include <QtCore/QObject>
-#include <QtCore/QThread>
 #include <QtCore/QTimer>
 
 #include <functional>
@@ -47,37 +46,24 @@ void runLoop(int ms, std::function<bool()> const& done = {})
     loop.exec();
 }
 
-// Blocks the user-interface thread, as a long computation would.
-void busy(int ms)
-{
-    std::this_thread::sleep_for(std::chrono::milliseconds(ms));
-}
-
 class Timers : public ::testing::Test
 {
 protected:
     std::unique_ptr<QObject> window = std::make_unique<QObject>();
-    PL_TimerManager* manager = PL_TimerManager::GetInstance();
 
     void SetUp() override { PL_TimerManager::SetUIThread(window.get()); }
     void TearDown() override { PL_TimerManager::SetUIThread(nullptr); }
-};
 
-TEST_F(Timers, OneShotDirectIsDeliveredOnceAndEnds)
-{
-    CountingTimer timer;
-    timer.clock.start();
-    ASSERT_TRUE(timer.StartTimer(1, /*oneShot=*/true, /*direct=*/true));
-    EXPECT_TRUE(timer.IsTimerActive());
-    runLoop(2000, [&] { return timer.count > 0; });
-    runLoop(40);
-    EXPECT_EQ(timer.count, 1);
-    EXPECT_FALSE(timer.IsTimerActive());
-    EXPECT_GE(timer.firstAfterMs, 9);                    // 1 ms is raised to the 10 ms resolution
-    EXPECT_TRUE(timer.StopTimer());                      // inactive: nothing to do
-    EXPECT_FALSE(timer.StartTimer(2000000, true, true)); // beyond the longest period
-    EXPECT_FALSE(timer.IsTimerActive());
-}
+    // Blocks the user-interface thread, as a long computation would, then
+    // handles the posted expiries and, when asked, delivers the queued ones.
+    static void late(int ms, bool idle = true)
+    {
+        std::this_thread::sleep_for(std::chrono::milliseconds(ms));
+        QCoreApplication::processEvents();
+        if (idle)
+            PL_TimerManager::GetInstance()->Idle();
+    }
+};
 
 // Queued expiries wait for Idle(); a late periodic one is delivered once for all
 // the expiries in between, and the next one is posted only after that.
@@ -86,27 +72,15 @@ TEST_F(Timers, QueuedDeliveryWaitsForIdleAndIsCoalesced)
     CountingTimer oneShot, periodic;
     ASSERT_TRUE(oneShot.StartTimer(10, true, false));
     ASSERT_TRUE(periodic.StartTimer(10, false, false));
-    busy(60);
-    QCoreApplication::processEvents();
+    late(60, /*idle=*/false);
     EXPECT_EQ(oneShot.count + periodic.count, 0);
-    busy(60);
-    QCoreApplication::processEvents();
-    manager->Idle();
+    late(60);
     EXPECT_EQ(oneShot.count, 1);
     EXPECT_FALSE(oneShot.IsTimerActive());
     EXPECT_EQ(periodic.count, 1);
-    busy(60);
-    QCoreApplication::processEvents();
-    manager->Idle();
+    late(60);
     EXPECT_EQ(oneShot.count, 1);
     EXPECT_EQ(periodic.count, 2);
-
-    // A periodic direct timer is notified for its first expiry only (intended).
-    CountingTimer direct;
-    ASSERT_TRUE(direct.StartTimer(10, false, true));
-    runLoop(150);
-    EXPECT_EQ(direct.count, 1);
-    EXPECT_TRUE(direct.IsTimerActive());
 }
 
 TEST_F(Timers, IdleHookDeliversFromTheEventLoop)
@@ -119,7 +93,6 @@ TEST_F(Timers, IdleHookDeliversFromTheEventLoop)
     EXPECT_GE(timer.count, 3);
     EXPECT_TRUE(timer.IsTimerActive());
     EXPECT_TRUE(timer.StopTimer());
-    EXPECT_FALSE(timer.IsTimerActive());
     int const stoppedAt = timer.count;
     runLoop(60);
     EXPECT_EQ(timer.count, stoppedAt);
@@ -131,10 +104,9 @@ TEST_F(Timers, StopWhilePostedNeverNotifies)
         for (bool oneShot : {false, true}) {
             CountingTimer timer;
             ASSERT_TRUE(timer.StartTimer(10, oneShot, direct));
-            busy(80); // the expiry is posted, not handled
+            std::this_thread::sleep_for(std::chrono::milliseconds(80)); // posted, not handled
             EXPECT_TRUE(timer.StopTimer());
-            QCoreApplication::processEvents();
-            manager->Idle();
+            late(0);
             EXPECT_EQ(timer.count, 0) << direct << oneShot;
             EXPECT_FALSE(timer.IsTimerActive());
         }
@@ -143,27 +115,40 @@ TEST_F(Timers, StopWhilePostedNeverNotifies)
     // notifying the dead timer.
     auto queued = std::make_unique<CountingTimer>();
     ASSERT_TRUE(queued->StartTimer(10, false, false));
-    busy(80);
-    QCoreApplication::processEvents();
+    late(80, /*idle=*/false);
     queued.reset();
-    manager->Idle();
+    PL_TimerManager::GetInstance()->Idle();
 }
 
-TEST_F(Timers, RestartAndStopFromANotification)
+// A direct one-shot timer is notified once per start, not before the 10 ms
+// resolution, and may restart itself and stop another from its notification.
+// A periodic direct timer is notified for its first expiry only (intended).
+TEST_F(Timers, DirectTimersAreNotifiedOncePerStart)
 {
-    CountingTimer timer;
-    CountingTimer other;
+    CountingTimer timer, other, periodic;
+    ASSERT_TRUE(periodic.StartTimer(10, false, true));
     timer.onNotify = [&] {
         if (timer.count == 1)
             timer.StartTimer(10, true, true); // restart itself
         other.StopTimer();
     };
     ASSERT_TRUE(other.StartTimer(500, true, true));
-    ASSERT_TRUE(timer.StartTimer(10, true, true));
+    timer.clock.start();
+    ASSERT_TRUE(timer.StartTimer(1, /*oneShot=*/true, /*direct=*/true));
+    EXPECT_TRUE(timer.IsTimerActive());
     runLoop(2000, [&] { return timer.count >= 2; });
+    runLoop(40);
     EXPECT_EQ(timer.count, 2);
+    EXPECT_GE(timer.firstAfterMs, 9); // 1 ms is raised to the resolution
+    EXPECT_FALSE(timer.IsTimerActive());
     EXPECT_FALSE(other.IsTimerActive());
     EXPECT_EQ(other.count, 0);
+    EXPECT_EQ(periodic.count, 1);
+    EXPECT_TRUE(periodic.IsTimerActive());
+    EXPECT_TRUE(timer.StopTimer());                      // inactive: nothing to do
+    EXPECT_FALSE(timer.StartTimer(1000001, true, true)); // beyond the longest period
+    EXPECT_FALSE(timer.IsTimerActive());
+    EXPECT_TRUE(timer.StartTimer(1000000, true, true) && timer.StopTimer());
 }
 
 TEST_F(Timers, WithoutWindowNothingIsDelivered)
@@ -172,7 +157,7 @@ TEST_F(Timers, WithoutWindowNothingIsDelivered)
     CountingTimer timer;
     ASSERT_TRUE(timer.StartTimer(10, true, true));
     runLoop(60);
-    manager->Idle();
+    PL_TimerManager::GetInstance()->Idle();
     EXPECT_EQ(timer.count, 0);
     EXPECT_TRUE(timer.IsTimerActive()); // never expired as far as it knows
 
