@@ -29,13 +29,7 @@ UT_String u(QString const& text)
 
 using files_test::readFile;
 using files_test::writeFile;
-
-class FileSpecTest : public ::testing::Test
-{
-protected:
-    QTemporaryDir dir;
-    QString at(QString const& name) const { return dir.path() + QLatin1Char('/') + name; }
-};
+using FileSpecTest = files_test::FolderTest;
 
 TEST_F(FileSpecTest, TextOperations)
 {
@@ -91,9 +85,7 @@ TEST_F(FileSpecTest, CacheIsFilledOnceAndResetByChanges)
     spec.ResetInfo();
     EXPECT_TRUE(spec.IsFile());
     EXPECT_EQ(spec.GetFileLength(), 5u);
-    int const fd = spec.open(O_RDONLY, 0);
-    EXPECT_GE(fd, 0);
-    ::close(fd);
+    EXPECT_EQ(::close(spec.open(O_RDONLY, 0)), 0) << "opened";
     qint64 time = 0;
     EXPECT_TRUE(spec.GetFileTime(time));
     EXPECT_GT(time, 1600000000);
@@ -114,8 +106,8 @@ TEST_F(FileSpecTest, KindsLinksAndHidden)
     EXPECT_EQ(folder.CreateFolder(), 0);
     EXPECT_EQ(folder.CreateFolder(), 0) << "an existing folder is fine";
     EXPECT_TRUE(folder.IsFolder());
-    writeFile(at("sub/.hidden"), "x");
-    EXPECT_TRUE(PL_FileSpec(u(at("sub/.hidden"))).IsHidden());
+    write("sub/.hidden", "x");
+    EXPECT_TRUE(spec("sub/.hidden").IsHidden());
     EXPECT_FALSE(folder.IsHidden());
     ASSERT_TRUE(QFile::link(at("sub"), at("link")));
     PL_FileSpec link(u(at("link")));
@@ -123,7 +115,7 @@ TEST_F(FileSpecTest, KindsLinksAndHidden)
     EXPECT_TRUE(link.IsFolder());
     // Deleting a link never deletes what it points to.
     EXPECT_EQ(link.Delete(), 0);
-    EXPECT_TRUE(PL_FileSpec(u(at("sub/.hidden"))).Exists());
+    EXPECT_TRUE(spec("sub/.hidden").Exists());
 
     QString created;
     PL_FileSpec parent(u(at("sub")));
@@ -151,49 +143,45 @@ TEST_F(FileSpecTest, BadPathsGiveFailuresNotCrashes)
     }
     // Wildcards are ordinary characters here: nothing matches a pattern.
     PL_FileSpec pattern(u(at("*.t?a")));
-    writeFile(at("a.tga"), "x");
+    write("a.tga", "x");
     EXPECT_FALSE(pattern.Exists());
     EXPECT_EQ(pattern.get_fs("rb"), nullptr);
 }
 
-TEST_F(FileSpecTest, CopyMoveExchange)
+TEST_F(FileSpecTest, CopyMoveExchangeAndWhyCopiesFail)
 {
-    writeFile(at("a"), "AAA");
-    writeFile(at("b"), "B");
+    write("a", "AAA");
+    write("b", "B");
     PL_FileSpec a(u(at("a")));
     MSG_Text error;
     EXPECT_TRUE(a.CopyFileW(u(at("c")), error));
-    EXPECT_EQ(readFile(at("c")), "AAA");
-    EXPECT_EQ(a.CloneFile(PL_FileSpec(u(at("b"))), false), EEXIST);
-    EXPECT_EQ(a.Exchange(PL_FileSpec(u(at("b")))), 0);
-    EXPECT_EQ(readFile(at("a")), "B");
-    EXPECT_EQ(readFile(at("b")), "AAA");
-    EXPECT_FALSE(a.HardLink(PL_FileSpec(u(at("c"))), false));
-    EXPECT_TRUE(a.HardLink(PL_FileSpec(u(at("c"))), true));
-    EXPECT_EQ(readFile(at("c")), "B");
+    EXPECT_EQ(read("c"), "AAA");
+    EXPECT_EQ(a.CloneFile(spec("b"), false), EEXIST);
+    EXPECT_EQ(a.Exchange(spec("b")), 0);
+    EXPECT_EQ(read("a"), "B");
+    EXPECT_EQ(read("b"), "AAA");
+    EXPECT_FALSE(a.HardLink(spec("c"), false));
+    EXPECT_TRUE(a.HardLink(spec("c"), true));
+    EXPECT_EQ(read("c"), "B");
     PL_FileSpec moving(u(at("c")));
-    EXPECT_EQ(moving.Move(PL_FileSpec(u(at("d")))), 0);
+    EXPECT_EQ(moving.Move(spec("d")), 0);
     EXPECT_EQ(moving.GetQFilePath(), at("d"));
     EXPECT_FALSE(QFileInfo::exists(at("c")));
-}
 
-TEST_F(FileSpecTest, CopyFailuresSayWhy)
-{
-    MSG_Text error;
-    EXPECT_FALSE(PL_FileSpec(u(at("missing"))).CopyFileW(u(at("t")), error));
+    EXPECT_FALSE(spec("missing").CopyFileW(u(at("t")), error));
     EXPECT_TRUE(error.getText().contains("does not exist")) << error.getText().toStdString();
-    writeFile(at("src"), "x");
-    EXPECT_FALSE(PL_FileSpec(u(at("src"))).CopyFileW(u(at("nofolder/t")), error));
+    write("src", "x");
+    EXPECT_FALSE(spec("src").CopyFileW(u(at("nofolder/t")), error));
     EXPECT_TRUE(error.getText().contains("target folder does not exist"));
     EXPECT_TRUE(error.getText().contains(at("src")));
     if (::geteuid() != 0) {
         QDir().mkdir(at("ro"));
         QFile::setPermissions(at("ro"), QFile::ReadOwner | QFile::ExeOwner);
-        EXPECT_FALSE(PL_FileSpec(u(at("src"))).CopyFileW(u(at("ro/t")), error));
+        EXPECT_FALSE(spec("src").CopyFileW(u(at("ro/t")), error));
         EXPECT_TRUE(error.getText().contains("permission denied"));
     }
     if (QFileInfo::exists("/dev/full")) {
-        EXPECT_FALSE(PL_FileSpec(u(at("src"))).CopyFileW(u("/dev/full"), error));
+        EXPECT_FALSE(spec("src").CopyFileW(u("/dev/full"), error));
         EXPECT_TRUE(error.getText().contains("disk is full")) << error.getText().toStdString();
     }
 }
@@ -203,10 +191,10 @@ TEST_F(FileSpecTest, Enumeration)
     PL_FileSpec empty(u(at("empty")));
     ASSERT_EQ(empty.CreateFolder(), 0);
     EXPECT_TRUE(empty.begin() == empty.end());
-    EXPECT_TRUE(PL_FileSpec(u(at("none"))).begin() == PL_FileSpec().end());
+    EXPECT_TRUE(spec("none").begin() == PL_FileSpec().end());
 
-    writeFile(at("one.txt"), "1");
-    writeFile(at(".two"), "22");
+    write("one.txt", "1");
+    write(".two", "22");
     QMap<QString, PL_FileSpec> entries; // copies keep the cached information
     for (auto it = PL_FileSpec(u(dir.path())).begin(); it != PL_FileSpec_iterator(); ++it)
         entries.insert(it->GetDisplayName().ToQString(), *it);

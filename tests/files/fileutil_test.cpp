@@ -3,7 +3,6 @@
 #include <BrindleBaseCore/files/PL_FileUtil.h>
 
 #include <QtCore/QFile>
-#include <QtCore/QTemporaryDir>
 
 #include <gtest/gtest.h>
 
@@ -18,18 +17,7 @@ namespace {
 
 using namespace PL_FileUtil;
 
-class FileUtilTest : public ::testing::Test
-{
-protected:
-    QTemporaryDir dir;
-    QString at(QString const& name) const { return dir.path() + QLatin1Char('/') + name; }
-    PL_FileSpec spec(QString const& name) const { return PL_FileSpec(UT_String(at(name))); }
-    void write(QString const& name, QByteArray const& content)
-    {
-        files_test::writeFile(at(name), content);
-    }
-    QByteArray read(QString const& name) const { return files_test::readFile(at(name)); }
-};
+using FileUtilTest = files_test::FolderTest;
 
 TEST_F(FileUtilTest, BackupRestoreAndDelete)
 {
