@@ -169,10 +169,9 @@ TEST(UT_RelPath, CompressedExtensionsAndRelativeTest)
     EXPECT_EQ(upper.extensionWithCompressExtensionRemoved(), "GZ");
     EXPECT_EQ(UT_RelPath("scene.gz").extensionWithCompressExtensionRemoved(), "");
 
-    for (char const* absolute : {"c:/x", "/x"})
-        EXPECT_FALSE(UT_RelPath(absolute).IsRelative()) << absolute;
-    for (char const* relative : {"c:", "x/y"})
-        EXPECT_TRUE(UT_RelPath(relative).IsRelative()) << relative;
+    for (auto [path, relative] :
+         {std::pair{"c:/x", false}, {"/x", false}, {"c:", true}, {"x/y", true}})
+        EXPECT_EQ(UT_RelPath(path).IsRelative(), relative) << path;
 }
 
 TEST(UT_RelPath, RelativePathsNameTheSamePlace)

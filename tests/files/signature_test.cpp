@@ -25,8 +25,6 @@ QString reference(QByteArray const& data)
 
 TEST(PL_FileSignature, DigestsOfData)
 {
-    EXPECT_EQ(md5(""), "d41d8cd98f00b204e9800998ecf8427e");
-    EXPECT_EQ(md5("abc"), "900150983cd24fb0d6963f7d28e17f72");
     PL_FileSignature nothing;
     nothing.computeSignatureOnData(nullptr, 0);
     EXPECT_EQ(nothing.toHex(), "d41d8cd98f00b204e9800998ecf8427e");
