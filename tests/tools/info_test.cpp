@@ -41,7 +41,7 @@ TEST(InfoCommand, ListsTheFoldersInPropertyOrder)
     EXPECT_EQ(valueOf(info, "language"), "(default)");
 }
 
-TEST(InfoCommand, PreferencesFollowTheUsersLocale)
+TEST(InfoCommand, LanguageFollowsTheLocaleOrTheOptions)
 {
     EXPECT_EQ(valueOf(lines({"info"}, "en_US.UTF-8"), "preferences"), "en_US en");
     EXPECT_EQ(valueOf(lines({"info"}, "es_419.UTF-8"), "preferences"), "es_419 en");
@@ -49,10 +49,8 @@ TEST(InfoCommand, PreferencesFollowTheUsersLocale)
     EXPECT_EQ(valueOf(canadian, "preferences"), "fr_CA fr en");
     // A French user gets the library's French catalogue without asking.
     EXPECT_TRUE(valueOf(canadian, "translator").endsWith("brindlebasecore_fr.qm"));
-}
 
-TEST(InfoCommand, LangAndLangdirWorkAnywhereOnTheLine)
-{
+    // -lang and -langdir work anywhere on the line.
     QStringList const french = lines({"info", "-lang", "fr"});
     EXPECT_EQ(valueOf(french, "language"), "fr");
     EXPECT_EQ(valueOf(french, "preferences"), "fr");
