@@ -205,7 +205,7 @@ TEST_F(FileSpecTest, Enumeration)
     EXPECT_TRUE(entries["empty"].IsFolder());
 }
 
-TEST(SpecialFolders, MapToStandardLocationsOrFailClearly)
+TEST(SpecialFolders, StandardLocationsTemporaryFilesAndTheSessionFolder)
 {
     PL_FileSpec spec;
     EXPECT_EQ(spec.InitUserAppDataFolder(), 0);
@@ -216,12 +216,9 @@ TEST(SpecialFolders, MapToStandardLocationsOrFailClearly)
     EXPECT_EQ(spec, before);
     EXPECT_EQ(PL_FileSpec(u("/x/y.lnk")).resolveShortcuts(), ENOTSUP);
     EXPECT_EQ(PL_FileSpec(u("/x/y")).resolveShortcuts(), 0);
-}
 
-// The process temporary folders live under TMPDIR, set by main() to a
-// private folder so that parallel test runs do not empty each other's.
-TEST(TemporaryFiles, NamesAndFolders)
-{
+    // The process temporary folders live under TMPDIR, set by main() to a
+    // private folder so that parallel test runs do not empty each other's.
     PL_FileSpec first, second;
     ASSERT_EQ(first.InitTempFile(), 0);
     ASSERT_EQ(second.InitTempFile(), 0);

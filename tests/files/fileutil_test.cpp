@@ -19,7 +19,7 @@ using namespace PL_FileUtil;
 
 using FileUtilTest = files_test::FolderTest;
 
-TEST_F(FileUtilTest, BackupRestoreAndDelete)
+TEST_F(FileUtilTest, BackupRestoreDeleteAndRenameNewFile)
 {
     EXPECT_TRUE(BackupFile(spec("f")));
     EXPECT_FALSE(QFile::exists(at("f~"))) << "nothing to keep, nothing made";
@@ -39,10 +39,8 @@ TEST_F(FileUtilTest, BackupRestoreAndDelete)
     EXPECT_TRUE(DeleteBackupFile(spec("f")));
     EXPECT_FALSE(QFile::exists(at("f~")));
     EXPECT_TRUE(DeleteBackupFile(spec("f")));
-}
 
-TEST_F(FileUtilTest, RenameNewFileNeverReplacesTheTarget)
-{
+    // The new file never replaces a target that is there.
     EXPECT_FALSE(RenameNewFile(spec("x"))) << "no new file";
     write("x", "target");
     write("x+", "new");
