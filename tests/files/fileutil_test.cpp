@@ -86,9 +86,7 @@ TEST_F(FileUtilTest, LockersAndTheirCopiesExcludeOthersInOneProcess)
 // Keeps the reports instead of writing them.
 struct CapturingChannel : TUMessage
 {
-    CapturingChannel()
-        : TUMessage(QStringLiteral("test"), false, true)
-    {}
+    using TUMessage::TUMessage;
     void writeLog(char type, QString const& text, QString const&, bool) override
     {
         reports << QLatin1Char(type) + QStringLiteral(":") + text;
@@ -98,7 +96,7 @@ struct CapturingChannel : TUMessage
 
 TEST_F(FileUtilTest, RefusedInputs)
 {
-    auto* channel = new CapturingChannel;
+    auto* channel = new CapturingChannel(QStringLiteral("test"), false, true);
     TUMessage::setInstance(channel);
     FileLocker locker;
     EXPECT_FALSE(locker.Lock(at("bad.lock"), static_cast<LockType>(2), false));
