@@ -22,65 +22,60 @@
 
 namespace {
 
-UT_String u(QString const& text)
+// A file specification of a path given as text.
+PL_FileSpec fs(QString const& path)
 {
-    return UT_String(text);
+    return PL_FileSpec(UT_String(path));
 }
 
 using files_test::readFile;
 using files_test::writeFile;
-
-class FileSpecTest : public ::testing::Test
-{
-protected:
-    QTemporaryDir dir;
-    QString at(QString const& name) const { return dir.path() + QLatin1Char('/') + name; }
-};
+using FileSpecTest = files_test::FolderTest;
 
 TEST_F(FileSpecTest, TextOperations)
 {
-    PL_FileSpec spec(u("/a/b/scene.xstage"));
+    PL_FileSpec spec = fs("/a/b/scene.xstage");
     EXPECT_EQ(spec.GetDisplayName().ToQString(), "scene.xstage");
     EXPECT_EQ(spec.GetName(false).ToQString(), "scene");
     EXPECT_EQ(spec.GetExtension().ToQString(), "xstage");
-    EXPECT_TRUE(spec.HasExtension(u("XSTAGE")));
-    spec.SetExtension(u("tga"));
-    spec.AddExtension(u("gz"));
+    EXPECT_TRUE(spec.HasExtension("XSTAGE"));
+    spec.SetExtension("tga");
+    spec.AddExtension("gz");
     EXPECT_EQ(spec.GetQFilePath(), "/a/b/scene.tga.gz");
     EXPECT_TRUE(spec.Up());
     EXPECT_EQ(spec.GetQFilePath(), "/a/b");
-    spec.Add(u("c"));
+    spec.Add("c");
     EXPECT_EQ(spec.GetQFilePath(), "/a/b/c");
 
     UT_String relative, sub;
-    EXPECT_TRUE(spec.GetRelativePath(relative, PL_FileSpec(u("/a/x"))));
+    EXPECT_TRUE(spec.GetRelativePath(relative, fs("/a/x")));
     EXPECT_EQ(relative.ToQString(), "../b/c");
-    EXPECT_TRUE(spec.analyseSubPath(PL_FileSpec(u("/a")), sub));
+    EXPECT_TRUE(spec.analyseSubPath(fs("/a"), sub));
     EXPECT_EQ(sub.ToQString(), "b/c");
-    EXPECT_FALSE(spec.analyseSubPath(PL_FileSpec(u("/a/b/cd")), sub));
+    EXPECT_FALSE(spec.analyseSubPath(fs("/a/b/cd"), sub));
     UT_String folder, base, extension;
-    EXPECT_TRUE(PL_FileSpec(u("/x/y.tar.gz")).analysePath(folder, base, extension));
+    EXPECT_TRUE(fs("/x/y.tar.gz").analysePath(folder, base, extension));
     EXPECT_EQ(folder.ToQString() + "|" + base.ToQString() + "|" + extension.ToQString(),
               "/x/|y.tar|gz");
 
     EXPECT_EQ(PL_FileSpec::fileURLToPath(QUrl("file:///tmp/%C3%A9t%C3%A9.txt")).ToQString(),
               QString::fromUtf8("/tmp/été.txt"));
     EXPECT_TRUE(PL_FileSpec::fileURLToPath(QUrl("https://host/x")).empty());
-    EXPECT_TRUE(PL_FileSpec(u("//srv/share/x")).IsShare());
-    EXPECT_FALSE(PL_FileSpec(u("/srv/share/x")).IsShare());
+    EXPECT_TRUE(fs("//srv/share/x").IsShare());
+    EXPECT_FALSE(fs("/srv/share/x").IsShare());
 
     PL_FileSpec restored;
-    restored.IFileSpec(PL_FileSpec(u("/a/é")).GetSavableID());
+    restored.IFileSpec(fs("/a/é").GetSavableID());
     EXPECT_EQ(restored.GetQFilePath(), QString::fromUtf8("/a/é"));
     PL_FileSpec joined;
-    joined.IFileSpec(u("c/d"), PL_FileSpec(u("/a/b")));
+    joined.IFileSpec("c/d", fs("/a/b"));
     EXPECT_EQ(joined.GetQFilePath(), "/a/b/c/d");
 }
 
 TEST_F(FileSpecTest, CacheIsFilledOnceAndResetByChanges)
 {
     QString const path = at(QString::fromUtf8("日本語 ñ 🎬.bin"));
-    PL_FileSpec spec(u(path));
+    PL_FileSpec spec = fs(path);
     EXPECT_FALSE(spec.Exists());
     FILE* f = PL_FileSpec::fopen(path, "wb");
     ASSERT_NE(f, nullptr);
@@ -91,16 +86,13 @@ TEST_F(FileSpecTest, CacheIsFilledOnceAndResetByChanges)
     spec.ResetInfo();
     EXPECT_TRUE(spec.IsFile());
     EXPECT_EQ(spec.GetFileLength(), 5u);
-    int const fd = spec.open(O_RDONLY, 0);
-    EXPECT_GE(fd, 0);
-    ::close(fd);
+    EXPECT_EQ(::close(spec.open(O_RDONLY, 0)), 0) << "opened";
     qint64 time = 0;
-    EXPECT_TRUE(spec.GetFileTime(time));
-    EXPECT_GT(time, 1600000000);
+    EXPECT_TRUE(spec.GetFileTime(time) && time > 1600000000) << time;
     EXPECT_TRUE(spec.TestAccess(true));
 
     PL_FileSpec renamed = spec;
-    EXPECT_EQ(renamed.Rename(u("g.bin")), 0);
+    EXPECT_EQ(renamed.Rename("g.bin"), 0);
     EXPECT_EQ(renamed.GetQFilePath(), at("g.bin"));
     EXPECT_TRUE(renamed.Exists());
     EXPECT_EQ(renamed.Delete(), 0);
@@ -110,23 +102,23 @@ TEST_F(FileSpecTest, CacheIsFilledOnceAndResetByChanges)
 
 TEST_F(FileSpecTest, KindsLinksAndHidden)
 {
-    PL_FileSpec folder(u(at("sub/deeper")));
+    PL_FileSpec folder = spec("sub/deeper");
     EXPECT_EQ(folder.CreateFolder(), 0);
     EXPECT_EQ(folder.CreateFolder(), 0) << "an existing folder is fine";
     EXPECT_TRUE(folder.IsFolder());
-    writeFile(at("sub/.hidden"), "x");
-    EXPECT_TRUE(PL_FileSpec(u(at("sub/.hidden"))).IsHidden());
+    write("sub/.hidden", "x");
+    EXPECT_TRUE(spec("sub/.hidden").IsHidden());
     EXPECT_FALSE(folder.IsHidden());
     ASSERT_TRUE(QFile::link(at("sub"), at("link")));
-    PL_FileSpec link(u(at("link")));
+    PL_FileSpec link = spec("link");
     EXPECT_TRUE(link.IsSymbolicLink());
     EXPECT_TRUE(link.IsFolder());
     // Deleting a link never deletes what it points to.
     EXPECT_EQ(link.Delete(), 0);
-    EXPECT_TRUE(PL_FileSpec(u(at("sub/.hidden"))).Exists());
+    EXPECT_TRUE(spec("sub/.hidden").Exists());
 
     QString created;
-    PL_FileSpec parent(u(at("sub")));
+    PL_FileSpec parent = spec("sub");
     EXPECT_EQ(parent.createSubFolder("deeper", created), 0);
     EXPECT_EQ(created, at("sub/deeper_1"));
     EXPECT_EQ(parent.Delete(), 0);
@@ -138,7 +130,7 @@ TEST_F(FileSpecTest, BadPathsGiveFailuresNotCrashes)
     QString const lone = QString(QChar(0xD800)) + "x";
     for (QString const& bad :
          {QString(), QString("a") + QChar(0) + "b", lone, "/" + QString(5000, u'n')}) {
-        PL_FileSpec spec(u(bad));
+        PL_FileSpec spec = fs(bad);
         EXPECT_FALSE(spec.Exists());
         EXPECT_EQ(spec.GetFileLength(), 0u);
         EXPECT_EQ(spec.get_fs("rb"), nullptr);
@@ -146,69 +138,65 @@ TEST_F(FileSpecTest, BadPathsGiveFailuresNotCrashes)
         EXPECT_NE(spec.Delete(), 0);
         EXPECT_NE(spec.CreateFolder(), 0);
         MSG_Text error;
-        EXPECT_FALSE(spec.CopyFileW(u(at("t")), error));
+        EXPECT_FALSE(spec.CopyFileW(at("t"), error));
         EXPECT_FALSE(error.isEmpty());
     }
     // Wildcards are ordinary characters here: nothing matches a pattern.
-    PL_FileSpec pattern(u(at("*.t?a")));
-    writeFile(at("a.tga"), "x");
+    PL_FileSpec pattern = spec("*.t?a");
+    write("a.tga", "x");
     EXPECT_FALSE(pattern.Exists());
     EXPECT_EQ(pattern.get_fs("rb"), nullptr);
 }
 
-TEST_F(FileSpecTest, CopyMoveExchange)
+TEST_F(FileSpecTest, CopyMoveExchangeAndWhyCopiesFail)
 {
-    writeFile(at("a"), "AAA");
-    writeFile(at("b"), "B");
-    PL_FileSpec a(u(at("a")));
+    write("a", "AAA");
+    write("b", "B");
+    PL_FileSpec a = spec("a");
     MSG_Text error;
-    EXPECT_TRUE(a.CopyFileW(u(at("c")), error));
-    EXPECT_EQ(readFile(at("c")), "AAA");
-    EXPECT_EQ(a.CloneFile(PL_FileSpec(u(at("b"))), false), EEXIST);
-    EXPECT_EQ(a.Exchange(PL_FileSpec(u(at("b")))), 0);
-    EXPECT_EQ(readFile(at("a")), "B");
-    EXPECT_EQ(readFile(at("b")), "AAA");
-    EXPECT_FALSE(a.HardLink(PL_FileSpec(u(at("c"))), false));
-    EXPECT_TRUE(a.HardLink(PL_FileSpec(u(at("c"))), true));
-    EXPECT_EQ(readFile(at("c")), "B");
-    PL_FileSpec moving(u(at("c")));
-    EXPECT_EQ(moving.Move(PL_FileSpec(u(at("d")))), 0);
+    EXPECT_TRUE(a.CopyFileW(at("c"), error));
+    EXPECT_EQ(read("c"), "AAA");
+    EXPECT_EQ(a.CloneFile(spec("b"), false), EEXIST);
+    EXPECT_EQ(a.Exchange(spec("b")), 0);
+    EXPECT_EQ(read("a"), "B");
+    EXPECT_EQ(read("b"), "AAA");
+    EXPECT_FALSE(a.HardLink(spec("c"), false));
+    EXPECT_TRUE(a.HardLink(spec("c"), true));
+    EXPECT_EQ(read("c"), "B");
+    PL_FileSpec moving = spec("c");
+    EXPECT_EQ(moving.Move(spec("d")), 0);
     EXPECT_EQ(moving.GetQFilePath(), at("d"));
     EXPECT_FALSE(QFileInfo::exists(at("c")));
-}
 
-TEST_F(FileSpecTest, CopyFailuresSayWhy)
-{
-    MSG_Text error;
-    EXPECT_FALSE(PL_FileSpec(u(at("missing"))).CopyFileW(u(at("t")), error));
+    EXPECT_FALSE(spec("missing").CopyFileW(at("t"), error));
     EXPECT_TRUE(error.getText().contains("does not exist")) << error.getText().toStdString();
-    writeFile(at("src"), "x");
-    EXPECT_FALSE(PL_FileSpec(u(at("src"))).CopyFileW(u(at("nofolder/t")), error));
+    write("src", "x");
+    EXPECT_FALSE(spec("src").CopyFileW(at("nofolder/t"), error));
     EXPECT_TRUE(error.getText().contains("target folder does not exist"));
     EXPECT_TRUE(error.getText().contains(at("src")));
     if (::geteuid() != 0) {
         QDir().mkdir(at("ro"));
         QFile::setPermissions(at("ro"), QFile::ReadOwner | QFile::ExeOwner);
-        EXPECT_FALSE(PL_FileSpec(u(at("src"))).CopyFileW(u(at("ro/t")), error));
+        EXPECT_FALSE(spec("src").CopyFileW(at("ro/t"), error));
         EXPECT_TRUE(error.getText().contains("permission denied"));
     }
     if (QFileInfo::exists("/dev/full")) {
-        EXPECT_FALSE(PL_FileSpec(u(at("src"))).CopyFileW(u("/dev/full"), error));
+        EXPECT_FALSE(spec("src").CopyFileW("/dev/full", error));
         EXPECT_TRUE(error.getText().contains("disk is full")) << error.getText().toStdString();
     }
 }
 
 TEST_F(FileSpecTest, Enumeration)
 {
-    PL_FileSpec empty(u(at("empty")));
+    PL_FileSpec empty = spec("empty");
     ASSERT_EQ(empty.CreateFolder(), 0);
     EXPECT_TRUE(empty.begin() == empty.end());
-    EXPECT_TRUE(PL_FileSpec(u(at("none"))).begin() == PL_FileSpec().end());
+    EXPECT_TRUE(spec("none").begin() == PL_FileSpec().end());
 
-    writeFile(at("one.txt"), "1");
-    writeFile(at(".two"), "22");
+    write("one.txt", "1");
+    write(".two", "22");
     QMap<QString, PL_FileSpec> entries; // copies keep the cached information
-    for (auto it = PL_FileSpec(u(dir.path())).begin(); it != PL_FileSpec_iterator(); ++it)
+    for (auto it = fs(dir.path()).begin(); it != PL_FileSpec_iterator(); ++it)
         entries.insert(it->GetDisplayName().ToQString(), *it);
     EXPECT_EQ(entries.keys(), QStringList({".two", "empty", "one.txt"}));
     EXPECT_TRUE(entries[".two"].IsInit()) << "entries carry their information";
@@ -217,7 +205,7 @@ TEST_F(FileSpecTest, Enumeration)
     EXPECT_TRUE(entries["empty"].IsFolder());
 }
 
-TEST(SpecialFolders, MapToStandardLocationsOrFailClearly)
+TEST(SpecialFolders, StandardLocationsTemporaryFilesAndTheSessionFolder)
 {
     PL_FileSpec spec;
     EXPECT_EQ(spec.InitUserAppDataFolder(), 0);
@@ -226,14 +214,11 @@ TEST(SpecialFolders, MapToStandardLocationsOrFailClearly)
     PL_FileSpec before = spec;
     EXPECT_EQ(spec.WindowsPublicDocumentPath(), ENOTSUP);
     EXPECT_EQ(spec, before);
-    EXPECT_EQ(PL_FileSpec(u("/x/y.lnk")).resolveShortcuts(), ENOTSUP);
-    EXPECT_EQ(PL_FileSpec(u("/x/y")).resolveShortcuts(), 0);
-}
+    EXPECT_EQ(fs("/x/y.lnk").resolveShortcuts(), ENOTSUP);
+    EXPECT_EQ(fs("/x/y").resolveShortcuts(), 0);
 
-// The process temporary folders live under TMPDIR, set by main() to a
-// private folder so that parallel test runs do not empty each other's.
-TEST(TemporaryFiles, NamesAndFolders)
-{
+    // The process temporary folders live under TMPDIR, set by main() to a
+    // private folder so that parallel test runs do not empty each other's.
     PL_FileSpec first, second;
     ASSERT_EQ(first.InitTempFile(), 0);
     ASSERT_EQ(second.InitTempFile(), 0);
@@ -243,9 +228,8 @@ TEST(TemporaryFiles, NamesAndFolders)
     EXPECT_FALSE(QFileInfo::exists(folder + "/left-over")) << "emptied at first use";
     // An existing readable file is skipped.
     writeFile(folder + "/tmpfs_3.tmp", "taken");
-    PL_FileSpec third;
-    third.InitTempFile();
-    EXPECT_EQ(third.GetQFilePath(), folder + "/tmpfs_4.tmp");
+    first.InitTempFile();
+    EXPECT_EQ(first.GetQFilePath(), folder + "/tmpfs_4.tmp");
 
     PL_FileSpec session;
     EXPECT_EQ(session.InitSessionTempFolder(), 0);

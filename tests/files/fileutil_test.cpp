@@ -3,7 +3,6 @@
 #include <BrindleBaseCore/files/PL_FileUtil.h>
 
 #include <QtCore/QFile>
-#include <QtCore/QTemporaryDir>
 
 #include <gtest/gtest.h>
 
@@ -18,20 +17,9 @@ namespace {
 
 using namespace PL_FileUtil;
 
-class FileUtilTest : public ::testing::Test
-{
-protected:
-    QTemporaryDir dir;
-    QString at(QString const& name) const { return dir.path() + QLatin1Char('/') + name; }
-    PL_FileSpec spec(QString const& name) const { return PL_FileSpec(UT_String(at(name))); }
-    void write(QString const& name, QByteArray const& content)
-    {
-        files_test::writeFile(at(name), content);
-    }
-    QByteArray read(QString const& name) const { return files_test::readFile(at(name)); }
-};
+using FileUtilTest = files_test::FolderTest;
 
-TEST_F(FileUtilTest, BackupRestoreAndDelete)
+TEST_F(FileUtilTest, BackupRestoreDeleteAndRenameNewFile)
 {
     EXPECT_TRUE(BackupFile(spec("f")));
     EXPECT_FALSE(QFile::exists(at("f~"))) << "nothing to keep, nothing made";
@@ -51,10 +39,8 @@ TEST_F(FileUtilTest, BackupRestoreAndDelete)
     EXPECT_TRUE(DeleteBackupFile(spec("f")));
     EXPECT_FALSE(QFile::exists(at("f~")));
     EXPECT_TRUE(DeleteBackupFile(spec("f")));
-}
 
-TEST_F(FileUtilTest, RenameNewFileNeverReplacesTheTarget)
-{
+    // The new file never replaces a target that is there.
     EXPECT_FALSE(RenameNewFile(spec("x"))) << "no new file";
     write("x", "target");
     write("x+", "new");
@@ -100,9 +86,7 @@ TEST_F(FileUtilTest, LockersAndTheirCopiesExcludeOthersInOneProcess)
 // Keeps the reports instead of writing them.
 struct CapturingChannel : TUMessage
 {
-    CapturingChannel()
-        : TUMessage(QStringLiteral("test"), false, true)
-    {}
+    using TUMessage::TUMessage;
     void writeLog(char type, QString const& text, QString const&, bool) override
     {
         reports << QLatin1Char(type) + QStringLiteral(":") + text;
@@ -112,7 +96,7 @@ struct CapturingChannel : TUMessage
 
 TEST_F(FileUtilTest, RefusedInputs)
 {
-    auto* channel = new CapturingChannel;
+    auto* channel = new CapturingChannel(QStringLiteral("test"), false, true);
     TUMessage::setInstance(channel);
     FileLocker locker;
     EXPECT_FALSE(locker.Lock(at("bad.lock"), static_cast<LockType>(2), false));

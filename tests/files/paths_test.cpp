@@ -46,17 +46,6 @@ TEST(UT_Path, SplitsAndFiltersDrivesSharesAndNames)
     EXPECT_EQ(UT_Path::FilterPath("a\\b<c>:d", true), "a/b_c__d");
 }
 
-TEST(UT_Path, RejectedDriveKeepsThePreviousValue)
-{
-    UT_Path path("/keep/me.txt", true);
-    EXPECT_FALSE(path.SetPath("1:/x/y.txt"));
-    EXPECT_FALSE(path.SetPath(":x"));
-    EXPECT_FALSE(path.SetDrive("9:"));
-    EXPECT_EQ(path.GetPath(), "/keep/me.txt");
-    EXPECT_TRUE(path.SetPath("Cd:/x"));
-    EXPECT_EQ(path.GetDrive(), "Cd:");
-}
-
 TEST(UT_Path, NamePartsAndEditing)
 {
     UT_Path p("/s/scene.xstage.gz", true);
@@ -83,6 +72,15 @@ TEST(UT_Path, NamePartsAndEditing)
     EXPECT_EQ(p.GetPath(), "/f");
     EXPECT_TRUE(p.Up() && p.isRoot());
     EXPECT_FALSE(p.Up());
+
+    // A rejected drive keeps the previous value.
+    UT_Path kept("/keep/me.txt", true);
+    EXPECT_FALSE(kept.SetPath("1:/x/y.txt"));
+    EXPECT_FALSE(kept.SetPath(":x"));
+    EXPECT_FALSE(kept.SetDrive("9:"));
+    EXPECT_EQ(kept.GetPath(), "/keep/me.txt");
+    EXPECT_TRUE(kept.SetPath("Cd:/x"));
+    EXPECT_EQ(kept.GetDrive(), "Cd:");
 }
 
 TEST(UT_PathIterator, WalksFromTheRootDown)
@@ -139,7 +137,7 @@ TEST(UT_RelPath, NormalisesOnAssignment)
     }
 }
 
-TEST(UT_RelPath, JoinAndExtensions)
+TEST(UT_RelPath, JoinExtensionsAndRelativeTest)
 {
     UT_RelPath p;
     EXPECT_TRUE(p.Add("").IsEmpty());
@@ -156,10 +154,7 @@ TEST(UT_RelPath, JoinAndExtensions)
     EXPECT_EQ(dotted.SetExtension("txt").ToString(), "v1.2/file.txt");
     EXPECT_EQ(p.Up().ToString(), "a");
     EXPECT_TRUE(p.Up().IsEmpty());
-}
 
-TEST(UT_RelPath, CompressedExtensionsAndRelativeTest)
-{
     UT_RelPath tar("x.tar.gz");
     EXPECT_TRUE(tar.isCompressed());
     EXPECT_EQ(tar.extensionWithCompressExtensionRemoved(), "tar");
@@ -169,10 +164,9 @@ TEST(UT_RelPath, CompressedExtensionsAndRelativeTest)
     EXPECT_EQ(upper.extensionWithCompressExtensionRemoved(), "GZ");
     EXPECT_EQ(UT_RelPath("scene.gz").extensionWithCompressExtensionRemoved(), "");
 
-    for (char const* absolute : {"c:/x", "/x"})
-        EXPECT_FALSE(UT_RelPath(absolute).IsRelative()) << absolute;
-    for (char const* relative : {"c:", "x/y"})
-        EXPECT_TRUE(UT_RelPath(relative).IsRelative()) << relative;
+    for (auto [path, relative] :
+         {std::pair{"c:/x", false}, {"/x", false}, {"c:", true}, {"x/y", true}})
+        EXPECT_EQ(UT_RelPath(path).IsRelative(), relative) << path;
 }
 
 TEST(UT_RelPath, RelativePathsNameTheSamePlace)

@@ -23,10 +23,8 @@ QString reference(QByteArray const& data)
     return QString::fromLatin1(QCryptographicHash::hash(data, QCryptographicHash::Md5).toHex());
 }
 
-TEST(PL_FileSignature, DigestsOfData)
+TEST(PL_FileSignature, DigestsOfDataAndFiles)
 {
-    EXPECT_EQ(md5(""), "d41d8cd98f00b204e9800998ecf8427e");
-    EXPECT_EQ(md5("abc"), "900150983cd24fb0d6963f7d28e17f72");
     PL_FileSignature nothing;
     nothing.computeSignatureOnData(nullptr, 0);
     EXPECT_EQ(nothing.toHex(), "d41d8cd98f00b204e9800998ecf8427e");
@@ -35,13 +33,10 @@ TEST(PL_FileSignature, DigestsOfData)
     QByteArray data;
     for (int n = 0; n <= 140; ++n, data.append(char(n * 37 + 128)))
         ASSERT_EQ(md5(data), reference(data)) << "length " << n;
-}
 
-TEST(PL_FileSignature, FileDigestMatchesTheWholeContent)
-{
+    // A file over several read blocks with a ragged end.
     QTemporaryDir dir;
     QString const path = dir.path() + "/big.bin";
-    // Several read blocks and a ragged end.
     QByteArray content(3 * 1024 * 1024 + 123, '\0');
     for (qsizetype i = 0; i < content.size(); ++i)
         content[i] = char(i * 131 + (i >> 9));

@@ -3,7 +3,8 @@
 
 #include "TestSupport.h"
 
-#include <QtCore/QFile>
+#include "../files/FileContents.h"
+
 #include <QtCore/QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -38,9 +39,7 @@ inline Result ok(QStringList const& args, QByteArray const& input = {})
 inline QString writeFile(QTemporaryDir const& dir, QString const& name, QByteArray const& content)
 {
     QString const path = dir.filePath(name);
-    QFile file(path);
-    EXPECT_TRUE(file.open(QIODevice::WriteOnly)) << path.toStdString();
-    file.write(content);
+    files_test::writeFile(path, content);
     return path;
 }
 

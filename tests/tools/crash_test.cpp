@@ -4,12 +4,9 @@
 #include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
-#include <spawn.h>
 #include <string>
 #include <sys/wait.h>
 #include <unistd.h>
-
-extern char** environ;
 
 namespace {
 
@@ -38,20 +35,16 @@ Crash runCrash(char const* kind)
     int fds[2];
     if (pipe(fds) != 0)
         return result;
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, 1, "/dev/null", O_WRONLY, 0);
-    posix_spawn_file_actions_adddup2(&actions, fds[1], 2);
-    posix_spawn_file_actions_addclose(&actions, fds[0]);
-    posix_spawn_file_actions_addclose(&actions, fds[1]);
-    std::string command = "selftest-crash";
-    std::string argument = kind;
-    char* argv[] = {const_cast<char*>(tool.c_str()), command.data(), argument.data(), nullptr};
-    pid_t pid = 0;
-    int const spawned = posix_spawn(&pid, tool.c_str(), &actions, nullptr, argv, environ);
-    posix_spawn_file_actions_destroy(&actions);
+    pid_t const pid = fork();
+    if (pid == 0) { // only async-signal-safe calls until the tool runs
+        dup2(fds[1], 2);
+        dup2(open("/dev/null", O_WRONLY), 1);
+        close(fds[0]);
+        execl(tool.c_str(), tool.c_str(), "selftest-crash", kind, nullptr);
+        _exit(127);
+    }
     close(fds[1]);
-    if (spawned == 0) {
+    if (pid > 0) {
         char buffer[4096];
         for (ssize_t n; (n = read(fds[0], buffer, sizeof buffer)) > 0;)
             result.err.append(buffer, std::size_t(n));

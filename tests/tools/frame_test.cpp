@@ -3,17 +3,13 @@
 
 using namespace tools_test;
 
-TEST(FrameTool, Formats)
+TEST(FrameTool, FormatsAndRejectsBadArguments)
 {
     EXPECT_EQ(ok({"frame", "1500"}).out, "01:02:12\n");
     EXPECT_EQ(ok({"frame", "1500", "--force-hours"}).out, "00:01:02:12\n");
     EXPECT_EQ(ok({"frame", "2999", "--fps", "25"}).out, "01:59:24\n");
     EXPECT_EQ(ok({"frame", "35", "--format", "feet"}).out, "2:3\n");
     EXPECT_EQ(ok({"frame", "35", "--format", "frames"}).out, "35\n");
-}
-
-TEST(FrameTool, RejectsBadArguments)
-{
     expectFailures({
         {{"frame", "-3"}, 2, "invalid frame number '-3'"},
         {{"frame", "12x"}, 2, "invalid frame number '12x'"},

@@ -1,6 +1,8 @@
 // brindle info, and the start-up options that every subcommand accepts.
 #include "Tool.h"
 
+#include <QtCore/QRegularExpression>
+
 using namespace tools_test;
 
 namespace {
@@ -16,11 +18,8 @@ QStringList lines(QStringList const& args, QByteArray const& locale = "C")
 
 QString valueOf(QStringList const& lines, QString const& key)
 {
-    for (QString const& line : lines) {
-        if (line.startsWith(key + ": "))
-            return line.mid(key.size() + 2);
-    }
-    return QStringLiteral("<missing>");
+    QStringList const found = lines.filter(QRegularExpression("^" + key + ": "));
+    return found.isEmpty() ? QStringLiteral("<missing>") : found.first().mid(key.size() + 2);
 }
 
 } // namespace
@@ -28,11 +27,8 @@ QString valueOf(QStringList const& lines, QString const& key)
 TEST(InfoCommand, ListsTheFoldersInPropertyOrder)
 {
     QStringList const info = lines({"info", "-nologo"});
-    QStringList keys;
-    for (QString const& line : info) {
-        if (line.startsWith("folder "))
-            keys << line.mid(7).section(':', 0, 0);
-    }
+    QStringList keys = info.filter(QRegularExpression("^folder "));
+    keys.replaceInStrings(QRegularExpression("^folder ([^:]*):.*"), "\\1");
     EXPECT_EQ(keys, QStringList({"root", "config", "resource", "etc", "lang", "platform", "app",
                                  "bin", "bin32", "library", "legacyPlugins", "plugins", "temp",
                                  "userConfig", "htmlHelp", "userScripts", "userLayouts", "database",
@@ -41,7 +37,7 @@ TEST(InfoCommand, ListsTheFoldersInPropertyOrder)
     EXPECT_EQ(valueOf(info, "language"), "(default)");
 }
 
-TEST(InfoCommand, PreferencesFollowTheUsersLocale)
+TEST(InfoCommand, LanguageFollowsTheLocaleOrTheOptions)
 {
     EXPECT_EQ(valueOf(lines({"info"}, "en_US.UTF-8"), "preferences"), "en_US en");
     EXPECT_EQ(valueOf(lines({"info"}, "es_419.UTF-8"), "preferences"), "es_419 en");
@@ -49,10 +45,8 @@ TEST(InfoCommand, PreferencesFollowTheUsersLocale)
     EXPECT_EQ(valueOf(canadian, "preferences"), "fr_CA fr en");
     // A French user gets the library's French catalogue without asking.
     EXPECT_TRUE(valueOf(canadian, "translator").endsWith("brindlebasecore_fr.qm"));
-}
 
-TEST(InfoCommand, LangAndLangdirWorkAnywhereOnTheLine)
-{
+    // -lang and -langdir work anywhere on the line.
     QStringList const french = lines({"info", "-lang", "fr"});
     EXPECT_EQ(valueOf(french, "language"), "fr");
     EXPECT_EQ(valueOf(french, "preferences"), "fr");

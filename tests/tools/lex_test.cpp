@@ -3,7 +3,7 @@
 
 using namespace tools_test;
 
-TEST(BrindleLex, PrintsTokensWithTheirLines)
+TEST(BrindleLex, PrintsTokensWithTheirLinesOrReportsBadInput)
 {
     QTemporaryDir dir;
     QString const path = writeFile(dir, "scene.txt", "size=12.5, name\n\n\"two\nlines\" #x\n");
@@ -13,11 +13,6 @@ TEST(BrindleLex, PrintsTokensWithTheirLines)
     // Punctuation other than the comma begins a longer token in this dialect.
     EXPECT_TRUE(
         ok({"lex", "--comma", path}).out.startsWith("1\tsize\n1\t=12.5\n1\t,\n1\tname\n3\ttwo\n"));
-}
-
-TEST(BrindleLex, ReportsBadInput)
-{
-    QTemporaryDir dir;
     expectFailures({
         {{"lex"}, 2},
         {{"lex", dir.filePath("missing")}, 1, "brindle lex: cannot read"},

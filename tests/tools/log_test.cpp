@@ -21,16 +21,11 @@ QStringList logLines(QByteArray const& out)
 
 } // namespace
 
-TEST(LogCommand, WritesOneActionLinePerArgument)
-{
-    QTemporaryDir dir;
-    EXPECT_EQ(logLines(ok({"log", dir.path() + "/logs", "Open a.xml", "-x", "Save"}).out),
-              QStringList({"T;ACTION;Open a.xml", "T;ACTION;-x", "T;ACTION;Save"}));
-}
-
-TEST(LogCommand, ScopeBracketsTheCommandAndReportsItsFailure)
+TEST(LogCommand, ActionLinesScopesAndBadInput)
 {
     QTemporaryDir dir, other;
+    EXPECT_EQ(logLines(ok({"log", dir.path() + "/logs", "Open a.xml", "-x", "Save"}).out),
+              QStringList({"T;ACTION;Open a.xml", "T;ACTION;-x", "T;ACTION;Save"}));
     Result r = ok({"log", "--scope", "Export", dir.path(), "--", "sh", "-c", "echo hi"});
     EXPECT_TRUE(r.out.startsWith("hi\n"));
     EXPECT_EQ(logLines(r.out), QStringList({"T;ACTION;Start Export", "  T;ACTION;Run sh -c echo hi",
@@ -40,11 +35,7 @@ TEST(LogCommand, ScopeBracketsTheCommandAndReportsItsFailure)
     EXPECT_EQ(r.status, 1);
     EXPECT_TRUE(r.err.contains("brindle log: 'sh' exited with status 3")) << r.err.constData();
     EXPECT_EQ(logLines(r.out).last(), "T;ACTION;End Bad");
-}
 
-TEST(LogCommand, BadInputIsReportedNotCrashedOn)
-{
-    QTemporaryDir dir;
     QString const d = dir.path();
     expectFailures({
         {{"log"}, 2},

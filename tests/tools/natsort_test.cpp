@@ -3,7 +3,7 @@
 
 using namespace tools_test;
 
-TEST(NatsortTool, SortsNaturallyOrByTuple)
+TEST(NatsortTool, SortsNaturallyOrByTupleAndReportsAnUnreadableFile)
 {
     EXPECT_EQ(ok({"natsort"}, "img10.png\r\nimg2.png\nIMG1.png\n\303\251t\303\2513\nimg2.png").out,
               "IMG1.png\nimg2.png\nimg2.png\nimg10.png\n\303\251t\303\2513\n");
@@ -12,10 +12,6 @@ TEST(NatsortTool, SortsNaturallyOrByTuple)
     EXPECT_EQ(ok({"natsort", "--tuple", shots}).out, "shot_2.exr\nshot10.exr\nShot1.exr\nshot2\n");
     // Bytes that are not UTF-8 are kept.
     EXPECT_EQ(ok({"natsort"}, "b\3772\nb\37710\nb\3771").out, "b\3771\nb\3772\nb\37710\n");
-}
-
-TEST(NatsortTool, ReportsAnUnreadableFile)
-{
     expectFailures(
         {{{"natsort", "/no/such/file"}, 1, "brindle natsort: cannot read '/no/such/file'"},
          {{"natsort", "a", "b"}, 2}});

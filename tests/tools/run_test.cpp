@@ -21,7 +21,7 @@ TEST(BrindleRun, RelaysStreamsAndExitStatus)
     EXPECT_EQ(r.err.size(), 3000004);
 }
 
-TEST(BrindleRun, FeedsStdinRunsInTheFolderAndDetaches)
+TEST(BrindleRun, FeedsStdinRunsInTheFolderDetachesAndRefusesBadOptions)
 {
     QTemporaryDir dir;
     QByteArray const data = "0\n" + QByteArray(400000, 'x') + '\n'; // more than a pipe holds
@@ -34,10 +34,6 @@ TEST(BrindleRun, FeedsStdinRunsInTheFolderAndDetaches)
     bool pid = false;
     EXPECT_GT(ok({"run", "--detach", "--", "true"}).out.trimmed().toInt(&pid), 0);
     EXPECT_TRUE(pid);
-}
-
-TEST(BrindleRun, BadInput)
-{
     expectFailures({
         {{"run"}, 2, "brindle run: no program given\n"},
         {{"run", "--detach", "--stdin", "x", "--", "true"}, 2},

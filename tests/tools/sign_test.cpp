@@ -3,7 +3,7 @@
 
 using namespace tools_test;
 
-TEST(BrindleSign, PrintsAndChecksSignatures)
+TEST(BrindleSign, PrintsAndChecksSignaturesAndRefusesBadInput)
 {
     QTemporaryDir dir;
     QString const a = writeFile(dir, "a.txt", "abc"), b = writeFile(dir, "b c.txt", "");
@@ -19,11 +19,6 @@ TEST(BrindleSign, PrintsAndChecksSignatures)
     EXPECT_TRUE(r.out.contains(b.toUtf8() + ": OK\n"));
     EXPECT_TRUE(r.err.contains("brindle sign: 1 file(s) did not match"));
     EXPECT_FALSE(r.err.contains('\r')) << "no progress bar off a terminal";
-}
-
-TEST(BrindleSign, BadInput)
-{
-    QTemporaryDir dir;
     expectFailures({
         {{"sign", dir.path() + "/missing"}, 1, "cannot read"},
         {{"sign", dir.path()}, 1}, // a folder
