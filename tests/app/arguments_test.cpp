@@ -12,7 +12,6 @@ TEST(Arguments, ReadingOutOfRangeGivesNullAndEraseIgnoresIt)
     EXPECT_TRUE(args.at(-1).isNull());
     args.erase(2);
     args.erase(-1);
-    EXPECT_EQ(args.size(), 2);
     args.erase(0);
     EXPECT_EQ(args.list(), QStringList({"b"}));
 }
@@ -45,8 +44,6 @@ TEST(ArgumentIterator, LooksAheadAndMovesByOne)
     ++it;
     EXPECT_TRUE(it == args.end());
     EXPECT_TRUE(it->isNull());
-    --it;
-    EXPECT_TRUE(it != args.end());
 }
 
 TEST(ArgumentIterator, HandledRemovesInPlaceAndStopsAtTheEnd)
