@@ -173,16 +173,10 @@ TEST_F(LexerReports, TypedReadsAndTheirReports)
     EXPECT_TRUE(lex.parseBool(b) && !b);
     EXPECT_FALSE(lex.parseBool(b)); // lower-case n is refused here
     EXPECT_TRUE(lex.isError());
-    ASSERT_EQ(channel->texts.size(), 1);
-    EXPECT_EQ(channel->texts[0],
-              QStringLiteral("Syntax error at line 1:\n Expecting Y or N while reading n  (N)"));
     EXPECT_TRUE(lex.get_bool(b) && !b); // ... but accepted by get_bool
     EXPECT_TRUE(lex.get_bool(b) && b);
-    EXPECT_FALSE(lex.get_bool(b)); // "x": no error
-    EXPECT_EQ(channel->texts.size(), 1);
+    EXPECT_FALSE(lex.get_bool(b)); // "x": no report
     EXPECT_FALSE(lex.get_int(i) || i != 0);
-    EXPECT_EQ(channel->texts.last(),
-              QStringLiteral("Syntax error at line 1:\n Expecting number. (x)"));
 
     // parseDouble() steps over the name first; a refused negative becomes 0.
     TULex sizes("width -2 height 0 depth -1");
@@ -190,10 +184,10 @@ TEST_F(LexerReports, TypedReadsAndTheirReports)
     EXPECT_TRUE(sizes.parseDouble(d, false) && d == 0.0);
     EXPECT_TRUE(sizes.parseDouble(d, false)); // zero is accepted
     EXPECT_TRUE(sizes.parseDouble(d, true) && d == -1.0);
-    EXPECT_EQ(channel->texts.size(), 3);
-    EXPECT_EQ(
-        channel->texts.last(),
-        QStringLiteral("Syntax error at line 1:\n Expected float value greater then 0. (-2)"));
+    EXPECT_EQ(channel->texts,
+              QStringList({"Syntax error at line 1:\n Expecting Y or N while reading n  (N)",
+                           "Syntax error at line 1:\n Expecting number. (x)",
+                           "Syntax error at line 1:\n Expected float value greater then 0. (-2)"}));
 }
 
 TEST_F(LexerReports, ErrorsNameTheLineAndToken)
@@ -201,22 +195,20 @@ TEST_F(LexerReports, ErrorsNameTheLineAndToken)
     TULex lex("12\nabc\n");
     int i = 0;
     ASSERT_TRUE(lex.get_int(i));
-    lex.syntaxErr(MSG_Text("ctx", "Bad value.", MSG_Text::WithContext));
     // After a successful number read the report names the number just consumed,
     // with the line at which the following read started.
-    EXPECT_EQ(channel->texts.last(), QStringLiteral("Syntax error at line 2:\n Bad value. (12)"));
+    lex.syntaxErr(MSG_Text("ctx", "Bad value.", MSG_Text::WithContext));
     EXPECT_FALSE(lex.get_int(i));
-    EXPECT_EQ(channel->texts.last(),
-              QStringLiteral("Syntax error at line 3:\n Expecting number. (abc)"));
 
     TULex open("a \"never closed");
     open.get();
     EXPECT_TRUE(open.isError());
     EXPECT_EQ(open.asString(), "never closed");
-    EXPECT_EQ(channel->texts.last(),
-              QStringLiteral("Syntax error at line 1:\n missing \" (never closed)"));
     open.get();
     EXPECT_TRUE(open.eof());
+    EXPECT_EQ(channel->texts, QStringList({"Syntax error at line 2:\n Bad value. (12)",
+                                           "Syntax error at line 3:\n Expecting number. (abc)",
+                                           "Syntax error at line 1:\n missing \" (never closed)"}));
 }
 
 TEST_F(LexerReports, YesToAllStopsReportsOnceTheChannelSaysSo)
@@ -258,11 +250,8 @@ TEST(Lexer, WritersRoundTripAnyText)
     std::u32string const pool = U"ab Z09_-.\"\\\r\n\t#,=()'\u00e9\u20ac\U0001F600";
     for (int round = 0; round < 3000; ++round) {
         QString text;
-        int const length = int(rng() % 12);
-        for (int i = 0; i < length; ++i)
+        for (int length = 1 + int(rng() % 11); length > 0; --length)
             text += QString::fromUcs4(&pool[rng() % pool.size()], 1);
-        if (text.isEmpty())
-            continue;
 
         std::ostringstream utf8, latin1;
         TULex::writeString(utf8, text);
