@@ -18,9 +18,7 @@ TEST(Arguments, ReadingOutOfRangeGivesNullAndEraseIgnoresIt)
 
 TEST(Arguments, ParseSkipsTheProgramAndDecodesUtf8)
 {
-    char program[] = "prog";
-    char word[] = "caf\xc3\xa9";
-    char option[] = "-lang";
+    char program[] = "prog", word[] = "caf\xc3\xa9", option[] = "-lang";
     char* argv[] = {program, word, option, nullptr};
     BAPP_Arguments args = BAPP_Application::parseArguments(3, argv);
     EXPECT_EQ(args.list(), QStringList({QStringLiteral(u"café"), "-lang"}));

@@ -227,10 +227,9 @@ TEST(Lexer, OpenFileReadsWholeFiles)
     QTemporaryDir dir;
     QString const path = dir.filePath(QString::fromUtf8("sc\xC3\xA8ne.txt"));
     QByteArray const big(3 * 1048576 + 17, 'x');
-    {
-        QFile file(path);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write("first\nsecond " + big) > 0);
-    }
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write("first\nsecond " + big) > 0 &&
+                file.flush());
 
     TULex lex;
     EXPECT_FALSE(lex.openFile(dir.filePath(QStringLiteral("missing"))));

@@ -64,8 +64,7 @@ TEST_F(Log, NamesTheFileAndWritesTheHeader)
         << name.toStdString();
     EXPECT_EQ(UT_LogIO::buildLogFileName(false).size() + 4,
               UT_LogIO::buildLogFileName(true).size());
-    EXPECT_EQ(contents(log.fileName()), "\xEF\xBB\xBF"
-                                        "Log file produced by: " +
+    EXPECT_EQ(contents(log.fileName()), "\xEF\xBB\xBFLog file produced by: " +
                                             BAPP_Identity::instance().fullVersionText().toUtf8() +
                                             "\n");
 }

@@ -61,11 +61,6 @@ struct FieldReader : TUMessage
     static QString name(TUMessage& channel) { return channel.*(&FieldReader::m_name); }
 };
 
-ErrorCode::Type code(int value)
-{
-    return static_cast<ErrorCode::Type>(value);
-}
-
 // "text|translation|code"
 std::string describe(MSG_Text const& text)
 {
@@ -83,11 +78,11 @@ MSG_Text both(char const* text, char const* translated)
 TEST(MsgText, CopyAssignmentAndConcatenationTreatTheCodeAsDocumented)
 {
     MSG_Text five = both("five", "fünf");
-    five.errorCode(code(5));
+    five.errorCode(ErrorCode::Type(5));
     EXPECT_EQ(describe(five), "five|fünf|5");
     EXPECT_EQ(describe(MSG_Text(five)), "five|fünf|0");
     MSG_Text two;
-    two.errorCode(code(2));
+    two.errorCode(ErrorCode::Type(2));
     two = five;
     EXPECT_EQ(describe(two), "five|fünf|2");
     EXPECT_EQ(describe(five + five), "fivefive|fünffünf|0");
@@ -150,11 +145,11 @@ TEST_F(Channel, ScopesReportWithTheirActionWhenTheyEnd)
 {
     {
         MSG_Scope w("Ctx", "warn", MSG_Scope::Warning);
-        MSG_Scope e(both("err", "erreur"), MSG_Scope::Error, code(4));
+        MSG_Scope e(both("err", "erreur"), MSG_Scope::Error, ErrorCode::Type(4));
         MSG_Scope i(QStringLiteral("info"), MSG_Scope::Information);
         MSG_Scope t("trace", QStringLiteral("tr"), MSG_Scope::Trace);
         MSG_Scope d("debug", MSG_Scope::Debug);
-        MSG_Scope l("Ctx", "later", MSG_Scope::TraceLater, code(6));
+        MSG_Scope l("Ctx", "later", MSG_Scope::TraceLater, ErrorCode::Type(6));
         MSG_Scope none("nothing", static_cast<MSG_Scope::Action>(8));
         MSG_Scope plain("plain");
     }
@@ -188,7 +183,7 @@ TEST_F(Channel, SmallestNonZeroCodeWinsAndAnErrorWithoutCodeGivesHundred)
     channel->catchErrorCode(100000);
     EXPECT_EQ(channel->getErrorCode(), 100u) << "the hundred is kept, not only reported";
     for (int value : {7, 3, 5, 0})
-        MSG_Scope("e", QStringLiteral("e"), MSG_Scope::Trace).errorCode(code(value));
+        MSG_Scope("e", QStringLiteral("e"), MSG_Scope::Trace).errorCode(ErrorCode::Type(value));
     channel->catchErrorCode(0);
     EXPECT_EQ(channel->getErrorCode(), 3u);
 }
@@ -315,7 +310,7 @@ TEST(ChannelLifecycle, FatalErrorClosesAndEndsWithTheStatusRule)
 {
     auto fatal = [](int value) {
         TUMessage::setInstance(new ClosingChannel(QStringLiteral("closing"), false, true));
-        MSG_Scope("Ctx", "fatal", MSG_Scope::FatalError, code(value));
+        MSG_Scope("Ctx", "fatal", MSG_Scope::FatalError, ErrorCode::Type(value));
     };
     // The code is the status when it is 2 to 8; otherwise the status is 1.
     for (auto [value, status] : {std::pair{8, 8}, {2, 2}, {1, 1}, {9, 1}, {-1, 1}, {0, 1}})
