@@ -2,7 +2,6 @@
 // consumed, the French translations are installed and reach MSG_Text.
 #include <BrindleBaseCore/app/BAPP_Application.h>
 #include <BrindleBaseCore/app/BAPP_Services.h>
-#include <BrindleBaseCore/app/BAPP_SpecialFolders.h>
 #include <BrindleBaseCore/app/MSG_Text.h>
 
 #include <QtCore/QFile>

@@ -156,7 +156,7 @@ void crash(UT_Tracking* tracker, void (*fault)())
     fault();
 }
 
-TEST(TrackingDeathTest, FaultIsReportedAndStillEndsTheProcess)
+TEST(TrackingDeathTest, SignalsAreReportedOnceByNameAndTheProcessStillEnds)
 {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     EXPECT_EXIT(crash(new StdErrTracker, [] { *nowhere = 1; }), testing::KilledBySignal(SIGSEGV),
@@ -168,11 +168,8 @@ TEST(TrackingDeathTest, FaultIsReportedAndStillEndsTheProcess)
     // A report that aborts: the second signal only marks its start and end.
     EXPECT_EXIT(crash(new AbortingTracker, [] { std::abort(); }), testing::KilledBySignal(SIGABRT),
                 "^Multiple signal 1 Start\nMultiple signal 1 End\n$");
-}
 
-TEST(TrackingDeathTest, SignalsAreNamedAndOnlyTheFirstIsReported)
-{
-    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    // Signals handled directly: named, and only the first reported.
     auto signalTwice = [](int sig) {
         auto const before = dispositionOf(SIGSEGV);
         UT_Tracking::setInstance(new StdErrTracker);
