@@ -23,7 +23,6 @@ public:
     {
         return QStringLiteral("<%1>%2").arg(QLatin1String(context), QString::fromUtf8(source));
     }
-    bool isEmpty() const override { return false; }
 };
 
 // A channel that records what reaches writeLog and the hooks.
