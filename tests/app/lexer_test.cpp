@@ -13,6 +13,7 @@
 #include <random>
 #include <sstream>
 #include <string>
+#include <tuple>
 
 namespace {
 
@@ -49,7 +50,6 @@ protected:
     {
         TUMessage::setInstance(channel = new RecordingChannel(QStringLiteral("test"), false, true));
     }
-    void TearDown() override { TUMessage::releaseInstance(); }
     RecordingChannel* channel = nullptr;
 };
 
@@ -57,29 +57,24 @@ protected:
 
 TEST(Lexer, DialectsSplitTheText)
 {
-    struct Row
-    {
-        char const* text;
-        bool commaDriven;
-        bool raw; // every token after the first one, read before any switch
-        char const* expected;
-    };
-    Row const rows[] = {
-        {"size=12.5, name", false, false, "size|=|12.5|,|name|"},
-        {"x\r\ny\t z", false, false, "x|y|z|"},
-        {"\"a\\\"b\" \"c\\\\d\" \"e\rf\"", false, false, "a\"b|c\\d|ef|"},
-        {"#x", false, false, "#|x|"}, // '#' is ordinary in the default dialect
-        {"", false, false, ""},
-        {" \t\r\n\n", false, false, ""},
-        {"size=12.5, name \"q\"", false, true, "size|=12.5,|name|q|"},
-        // The first token "1" is read before the switch, in the default dialect.
-        {"1,2\n# a comment, with commas\n\"a b\",-(x),#\n", true, false, "1|,|2|a|b|,|-|(x|)|,|"},
-        {"ab,cd ef", true, true, "ab|,cd|ef|"}};
-    for (Row const& row : rows) {
-        TULex lex(row.text);
-        if (row.commaDriven)
+    // {text, comma-driven, raw reads (after the first token, read before any switch), tokens}
+    using Rows = std::initializer_list<std::tuple<char const*, bool, bool, char const*>>;
+    for (auto [text, commaDriven, raw, expected] :
+         Rows{{"size=12.5, name", false, false, "size|=|12.5|,|name|"},
+              {"x\r\ny\t z", false, false, "x|y|z|"},
+              {"\"a\\\"b\" \"c\\\\d\" \"e\rf\"", false, false, "a\"b|c\\d|ef|"},
+              {"#x", false, false, "#|x|"}, // '#' is ordinary in the default dialect
+              {"", false, false, ""},
+              {" \t\r\n\n", false, false, ""},
+              {"size=12.5, name \"q\"", false, true, "size|=12.5,|name|q|"},
+              // The first token "1" is read before the switch, in the default dialect.
+              {"1,2\n# a comment, with commas\n\"a b\",-(x),#\n", true, false,
+               "1|,|2|a|b|,|-|(x|)|,|"},
+              {"ab,cd ef", true, true, "ab|,cd|ef|"}}) {
+        TULex lex(text);
+        if (commaDriven)
             lex.setCommaDriven(false); // any call switches it on, the argument is ignored
-        EXPECT_EQ(tokens(lex, row.raw), row.expected) << row.text;
+        EXPECT_EQ(tokens(lex, raw), expected) << text;
     }
     EXPECT_TRUE(TULex(static_cast<char const*>(nullptr)).eof());
 }
