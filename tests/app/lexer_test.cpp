@@ -80,7 +80,7 @@ TEST(Lexer, DialectsSplitTheText)
 }
 
 // Long names are scanned in blocks: every byte value, at every place in the
-// first blocks, must end the name exactly when the documented classes say so.
+// first blocks, must end the name exactly when its character class says so.
 TEST(Lexer, EveryByteEndsANameAsItsClassSays)
 {
     std::string const name = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789";

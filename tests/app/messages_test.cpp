@@ -74,7 +74,7 @@ MSG_Text both(char const* text, char const* translated)
 
 // --- MSG_Text ------------------------------------------------------------------
 
-TEST(MsgText, CopyAssignmentAndConcatenationTreatTheCodeAsDocumented)
+TEST(MsgText, CopyAssignmentAndConcatenationTreatTheCodeAsIntended)
 {
     MSG_Text five = both("five", "fünf");
     five.errorCode(ErrorCode::Type(5));
