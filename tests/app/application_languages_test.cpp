@@ -9,34 +9,26 @@
 
 #include <gtest/gtest.h>
 
-namespace {
-void touch(QString const& path)
-{
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-}
-} // namespace
-
-TEST(Languages, PreferencesOfTheDefaultLocale)
+TEST(Languages, PreferencesOfTheDefaultLocaleDriveTheTranslatorSearch)
 {
     EXPECT_EQ(BAPP_Application::languagesPreference(), QStringList({"de_DE", "de", "en"}));
-}
-
-TEST(Languages, FindTranslatorTakesTheFirstPreferenceAndStopsAtEnglish)
-{
     QTemporaryDir dir;
-    QString const folder = dir.path();
-    touch(folder + "/qt_en.qm");
-    touch(folder + "/qt_fr.qm");
+    auto add = [&](char const* name) {
+        EXPECT_TRUE(QFile(dir.filePath(QLatin1String(name))).open(QIODevice::WriteOnly));
+    };
+    auto find = [&](char const* base, char const* folder = "") {
+        return BAPP_Application::findTranslator(QLatin1String(base), dir.path() + folder);
+    };
     // English is the source language: qt_en.qm is never a reason to load one.
-    EXPECT_TRUE(BAPP_Application::findTranslator(QStringLiteral("qt"), folder).isNull());
-    touch(folder + "/qt_de.qm");
-    EXPECT_EQ(BAPP_Application::findTranslator(QStringLiteral("qt"), folder), u"qt_de");
-    touch(folder + "/qt_de_DE.qm");
-    EXPECT_EQ(BAPP_Application::findTranslator(QStringLiteral("qt"), folder), u"qt_de_DE");
-    EXPECT_TRUE(BAPP_Application::findTranslator(QStringLiteral("other"), folder).isNull());
-    EXPECT_TRUE(
-        BAPP_Application::findTranslator(QStringLiteral("qt"), folder + "/missing").isNull());
+    add("qt_en.qm");
+    add("qt_fr.qm");
+    EXPECT_TRUE(find("qt").isNull());
+    add("qt_de.qm");
+    EXPECT_EQ(find("qt"), u"qt_de");
+    add("qt_de_DE.qm");
+    EXPECT_EQ(find("qt"), u"qt_de_DE");
+    EXPECT_TRUE(find("other").isNull());
+    EXPECT_TRUE(find("qt", "/missing").isNull());
 }
 
 TEST(Languages, NoCatalogueForGermanLeavesTextsInEnglish)
